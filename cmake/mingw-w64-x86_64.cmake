@@ -1,0 +1,13 @@
+# Cross build for 64-bit Windows with Debian's MinGW-w64 (posix threads flavour).
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+set(KX20_MINGW_PREFIX x86_64-w64-mingw32)
+set(CMAKE_C_COMPILER ${KX20_MINGW_PREFIX}-gcc-posix)
+set(CMAKE_CXX_COMPILER ${KX20_MINGW_PREFIX}-g++-posix)
+set(CMAKE_RC_COMPILER ${KX20_MINGW_PREFIX}-windres)
+set(CMAKE_FIND_ROOT_PATH /usr/${KX20_MINGW_PREFIX})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+# Test programs run through wine64 when ctest runs them.
+set(CMAKE_CROSSCOMPILING_EMULATOR wine)
