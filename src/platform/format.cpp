@@ -43,10 +43,10 @@ std::u16string Digits(std::uint64_t v, unsigned base, bool upper) {
     const char* set = upper ? "0123456789ABCDEF" : "0123456789abcdef";
     std::u16string d;
     do {
-        d.insert(d.begin(), static_cast<char16_t>(set[v % base]));
+        d.push_back(static_cast<char16_t>(set[v % base]));
         v /= base;
     } while (v != 0);
-    return d;
+    return std::u16string(d.rbegin(), d.rend());
 }
 
 bool FormatInteger(std::u16string& out, char16_t conv, const Spec& spec, const FormatArg& arg) {
@@ -70,12 +70,12 @@ bool FormatInteger(std::u16string& out, char16_t conv, const Spec& spec, const F
     }
     unsigned base = (conv == u'x' || conv == u'X' || conv == u'p') ? 16 : (conv == u'o' ? 8 : 10);
     std::u16string digits = Digits(magnitude, base, conv == u'X' || conv == u'p');
+    std::size_t minDigits = conv == u'p' ? 16 : 1;
     if (spec.precision >= 0) {
         if (spec.precision == 0 && magnitude == 0) digits.clear();
-        while (digits.size() < static_cast<std::size_t>(spec.precision)) digits.insert(0, u"0");
+        minDigits = static_cast<std::size_t>(spec.precision);
     }
-    if (conv == u'p')
-        while (digits.size() < 16) digits.insert(0, u"0");
+    if (digits.size() < minDigits) digits = std::u16string(minDigits - digits.size(), u'0') + digits;
     std::u16string body;
     if (negative)
         body = u"-";

@@ -5,10 +5,12 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/platform.h"
 
@@ -28,8 +30,28 @@ inline constexpr std::u16string_view kFontsSuffix = u"\\Fonts";
 inline constexpr std::u16string_view kCropsSuffix = u"\\Crops";
 inline constexpr std::u16string_view kFilePort = u"FILE:";
 
+// Value names outside the catalogue.
+inline constexpr std::u16string_view kDriverValue = u"Driver";
+inline constexpr std::u16string_view kConnectionStatusValue = u"ConnectionStatus";
+inline constexpr std::u16string_view kTypeValue = u"TYPE";
+inline constexpr std::u16string_view kLastPrinterValue = u"LastPrinter";
+inline constexpr std::u16string_view kLogSettingsValue = u"LogSettings";
+inline constexpr std::u16string_view kLogPathValue = u"LogPath";
+inline constexpr std::u16string_view kLogWrapSizeValue = u"LogWrapSize";
+inline constexpr std::u16string_view kFirmwarePathValue = u"FirmwarePath";
+inline constexpr std::u16string_view kDBCSFontPathValue = u"DBCSFontPath";
+inline constexpr std::u16string_view kLogosPathValue = u"LogosPath";
+inline constexpr std::u16string_view kSessionStateSuffix = u"_ss";
+inline constexpr std::size_t kLastPrinterSize = 9;
+
 // Path buffers hold 260 wide characters: longer paths are cut to 259.
 inline constexpr std::size_t kPathChars = 260;
+// The spooler's port name is taken up to this many characters.
+inline constexpr std::size_t kPortNameChars = 256;
+// Full key access, granted to each trustee of the key access list.
+inline constexpr std::uint32_t kKeyAllAccess = 0xF003F;
+// The fixed data size of the remembered-folder and log-folder strings.
+inline constexpr std::size_t kFixedPathBytes = 260;
 
 std::u16string MonitorKeyPath();
 std::u16string PortKeyPath(std::u16string_view portName);
@@ -60,10 +82,10 @@ bool IsPrinterConnection(Platform& p, std::u16string_view printerName);
 
 // The port's ConnectionStatus record.
 struct ConnectionStatus {
-    std::u16string identity;          // the 8 identity characters
-    std::uint32_t modelCode = 0;      // byte 2
-    bool connected = false;           // byte 1 == 1
-    std::uint8_t firmwareLevel = 0;   // byte 3; the font operations need it non-zero
+    std::u16string identity;         // the 8 identity characters
+    std::uint32_t modelCode = 0;     // byte 2
+    bool connected = false;          // byte 1 == 1
+    std::uint8_t firmwareLevel = 0;  // byte 3; the font operations need it non-zero
 };
 inline constexpr std::size_t kConnectionStatusSize = 12;
 bool ParseConnectionStatus(ByteSpan record, ConnectionStatus& out);
@@ -96,6 +118,10 @@ bool GetDBCSFontPath(Platform& p, std::u16string_view printerName, std::u16strin
 void SetDBCSFontPath(Platform& p, std::u16string_view printerName, std::u16string_view path);
 bool GetLogosPath(Platform& p, std::u16string_view printerName, std::u16string& path);
 void SetLogosPath(Platform& p, std::u16string_view printerName, std::u16string_view path);
+
+// Deletes every value whose name `match` accepts: enumerates from index 0 and starts over
+// after each deletion, so the values' order does not matter. Answers the number deleted.
+int DeleteValuesWhere(RegistryKey& key, const std::function<bool(std::u16string_view)>& match);
 
 // The fixed-size string write: exactly 260 bytes of data, cut without terminator when longer.
 Bytes FixedPathBytes(std::u16string_view path);

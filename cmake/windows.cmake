@@ -1,0 +1,76 @@
+# Windows build (MinGW-w64, x86_64): the driver's DLLs, the simulated port monitor, the Wine
+# test program and the demo host. Every binary is self-contained: static C++ runtime, static
+# winpthread, no MinGW runtime DLLs.
+set(KX20_STATIC_LINK -static -static-libgcc -static-libstdc++)
+set(KX20_SYSTEM_LIBS winspool advapi32 ole32 oleaut32 uuid comctl32 comdlg32 gdi32 user32 shell32 kernel32)
+
+file(GLOB KX20_WIN32_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/platform/win32/*.cpp)
+add_library(kx20win32 STATIC ${KX20_WIN32_SOURCES})
+target_link_libraries(kx20win32 PUBLIC kx20core)
+target_compile_options(kx20win32 PRIVATE ${KX20_WARNINGS})
+target_compile_definitions(kx20win32 PUBLIC UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
+
+# kvorsgui.dll: the driver's user-interface module.
+file(GLOB KX20_ENTRY_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/entry/win32/*.cpp)
+add_library(kvorsgui SHARED ${KX20_ENTRY_SOURCES} ${CMAKE_SOURCE_DIR}/src/entry/win32/kvorsgui.def)
+set_target_properties(kvorsgui PROPERTIES PREFIX "" OUTPUT_NAME kvorsgui)
+target_link_libraries(kvorsgui PRIVATE kx20win32 kx20core ${KX20_SYSTEM_LIBS})
+target_compile_options(kvorsgui PRIVATE ${KX20_WARNINGS})
+target_link_options(kvorsgui PRIVATE ${KX20_STATIC_LINK} -Wl,--enable-stdcall-fixup)
+
+# KVORSENU.DLL: resource module (dialogs, strings). Its string table comes from the same
+# source as the core's built-in table.
+add_library(kvorsenu SHARED ${CMAKE_SOURCE_DIR}/res/kvorsenu.rc ${CMAKE_SOURCE_DIR}/res/kvorsenu_main.c)
+set_target_properties(kvorsenu PROPERTIES PREFIX "" OUTPUT_NAME KVORSENU SUFFIX ".DLL")
+target_include_directories(kvorsenu PRIVATE ${CMAKE_SOURCE_DIR}/res)
+target_link_options(kvorsenu PRIVATE ${KX20_STATIC_LINK})
+
+# kvorsmon.dll: the simulated port monitor (tests and demo only).
+if(EXISTS ${CMAKE_SOURCE_DIR}/sim/win32/kvorsmon.cpp)
+  add_library(kvorsmon SHARED ${CMAKE_SOURCE_DIR}/sim/win32/kvorsmon.cpp ${CMAKE_SOURCE_DIR}/sim/win32/kvorsmon.def)
+  set_target_properties(kvorsmon PROPERTIES PREFIX "" OUTPUT_NAME kvorsmon)
+  target_link_libraries(kvorsmon PRIVATE kx20sim kx20win32 kx20core ${KX20_SYSTEM_LIBS})
+  target_compile_options(kvorsmon PRIVATE ${KX20_WARNINGS})
+  target_link_options(kvorsmon PRIVATE ${KX20_STATIC_LINK})
+endif()
+
+# GoogleTest built from Debian's sources with the same toolchain.
+set(gtest_force_shared_crt OFF CACHE BOOL "" FORCE)
+set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+
+file(GLOB KX20_WINE_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/wine/*.cpp)
+add_executable(kx20_wine_tests ${KX20_WINE_TESTS} ${CMAKE_SOURCE_DIR}/tools/winhost/driver_install.cpp)
+target_link_libraries(kx20_wine_tests PRIVATE kx20win32 kx20sim kx20core gtest ${KX20_SYSTEM_LIBS})
+target_include_directories(kx20_wine_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR})
+target_compile_options(kx20_wine_tests PRIVATE ${KX20_WARNINGS})
+target_link_options(kx20_wine_tests PRIVATE ${KX20_STATIC_LINK} -municode)
+add_dependencies(kx20_wine_tests kvorsgui kvorsenu)
+if(TARGET kvorsmon)
+  add_dependencies(kx20_wine_tests kvorsmon)
+endif()
+add_test(NAME wine_tests
+         COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine-run.sh ${CMAKE_BINARY_DIR} $<TARGET_FILE:kx20_wine_tests>)
+set_tests_properties(wine_tests PROPERTIES TIMEOUT 600)
+
+# The demo host: installs the driver in the Wine spooler and shows what applications see.
+file(GLOB KX20_DEMO_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/demo/*.cpp)
+if(KX20_DEMO_SOURCES)
+  add_executable(kx20demo ${KX20_DEMO_SOURCES} ${CMAKE_SOURCE_DIR}/tools/winhost/driver_install.cpp)
+  target_link_libraries(kx20demo PRIVATE kx20win32 kx20core ${KX20_SYSTEM_LIBS})
+  target_include_directories(kx20demo PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR})
+  target_compile_options(kx20demo PRIVATE ${KX20_WARNINGS})
+  target_link_options(kx20demo PRIVATE ${KX20_STATIC_LINK} -municode)
+  add_dependencies(kx20demo kvorsgui kvorsenu)
+endif()
+
+# Self-containment and export names of the shipped DLLs.
+add_test(NAME kvorsgui_dll_check
+         COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsgui>
+                 DrvDocumentPropertySheets DrvConvertDevMode DevQueryPrintEx DevQueryPrint)
+add_test(NAME kvorsenu_dll_check COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsenu>)
+if(TARGET kvorsmon)
+  add_test(NAME kvorsmon_dll_check
+           COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsmon> BIDISendCmdToPrinter)
+endif()

@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Runs a Windows program of the build under Wine in the build's own prefix, with a warm
+# wineserver whose streams go nowhere (services Wine starts inherit them otherwise), and a
+# virtual display for windows. Usage: wine-run.sh BUILD_DIR PROGRAM [ARGS...]
+set -euo pipefail
+build=$(cd "$1" && pwd); shift
+export WINEPREFIX="$build/wineprefix"
+export WINEDEBUG=-all
+export WINEDLLOVERRIDES="mscoree,mshtml="
+here=$(cd "$(dirname "$0")" && pwd)
+"$here/wine-prefix.sh" "$WINEPREFIX"
+wineserver -p </dev/null >/dev/null 2>&1 &
+trap 'wineserver -k >/dev/null 2>&1 || true' EXIT
+if [ -z "${DISPLAY:-}" ] && command -v xvfb-run >/dev/null; then
+  xvfb-run -a wine "$@"
+else
+  wine "$@"
+fi

@@ -1,0 +1,28 @@
+// Driver-interface structures of the printer UI entry points that the MinGW headers lack,
+// laid out as the system passes them.
+#pragma once
+
+#include "platform/win32/windows_clean.h"
+#include <compstui.h>
+
+namespace kx20 {
+
+struct DocumentPropertyHeader {
+    WORD cbSize;
+    WORD Reserved;
+    HANDLE hPrinter;
+    LPWSTR pszPrinterName;
+    DEVMODEW* pdmIn;
+    DEVMODEW* pdmOut;
+    DWORD cbOut;
+    DWORD fMode;
+};
+
+struct DevicePropertyHeader {
+    WORD cbSize;
+    WORD Flags;
+    HANDLE hPrinter;
+    LPWSTR pszPrinterName;
+};
+
+}  // namespace kx20

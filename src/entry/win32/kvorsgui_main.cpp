@@ -1,0 +1,138 @@
+// Exported entry points of the driver's user-interface module. Each turns the caller's
+// pointers into bounded spans and hands the work to the portable core over the Win32 ports.
+#include "platform/win32/windows_clean.h"
+
+#include <cstddef>
+
+#include "devmode/devmode.h"
+#include "entry/document_properties.h"
+#include "entry/win32/ddi_types.h"
+#include "log/trace.h"
+#include "platform/win32/win32_platform.h"
+#include "platform/win32/win32_text.h"
+
+static_assert(offsetof(DEVMODEW, dmSpecVersion) == kx20::kOffDmSpecVersion);
+static_assert(offsetof(DEVMODEW, dmSize) == kx20::kOffDmSize);
+static_assert(offsetof(DEVMODEW, dmDriverExtra) == kx20::kOffDmDriverExtra);
+static_assert(offsetof(DEVMODEW, dmFields) == kx20::kOffDmFields);
+static_assert(offsetof(DEVMODEW, dmOrientation) == kx20::kOffDmOrientation);
+static_assert(offsetof(DEVMODEW, dmPaperSize) == kx20::kOffDmPaperSize);
+static_assert(offsetof(DEVMODEW, dmPaperLength) == kx20::kOffDmPaperLength);
+static_assert(offsetof(DEVMODEW, dmPaperWidth) == kx20::kOffDmPaperWidth);
+static_assert(offsetof(DEVMODEW, dmScale) == kx20::kOffDmScale);
+static_assert(offsetof(DEVMODEW, dmCopies) == kx20::kOffDmCopies);
+static_assert(offsetof(DEVMODEW, dmDefaultSource) == kx20::kOffDmDefaultSource);
+static_assert(offsetof(DEVMODEW, dmPrintQuality) == kx20::kOffDmPrintQuality);
+static_assert(offsetof(DEVMODEW, dmColor) == kx20::kOffDmColor);
+static_assert(offsetof(DEVMODEW, dmDuplex) == kx20::kOffDmDuplex);
+static_assert(offsetof(DEVMODEW, dmYResolution) == kx20::kOffDmYResolution);
+static_assert(offsetof(DEVMODEW, dmTTOption) == kx20::kOffDmTTOption);
+static_assert(offsetof(DEVMODEW, dmCollate) == kx20::kOffDmCollate);
+static_assert(offsetof(DEVMODEW, dmFormName) == kx20::kOffDmFormName);
+static_assert(offsetof(DEVMODEW, dmLogPixels) == kx20::kOffDmLogPixels);
+static_assert(offsetof(DEVMODEW, dmBitsPerPel) == kx20::kOffDmBitsPerPel);
+static_assert(offsetof(DEVMODEW, dmPelsWidth) == kx20::kOffDmPelsWidth);
+static_assert(offsetof(DEVMODEW, dmPelsHeight) == kx20::kOffDmPelsHeight);
+static_assert(offsetof(DEVMODEW, dmNup) == kx20::kOffDmNup);
+static_assert(offsetof(DEVMODEW, dmDisplayFrequency) == kx20::kOffDmDisplayFrequency);
+static_assert(offsetof(DEVMODEW, dmICMMethod) == kx20::kOffDmICMMethod);
+static_assert(offsetof(DEVMODEW, dmICMIntent) == kx20::kOffDmICMIntent);
+static_assert(offsetof(DEVMODEW, dmMediaType) == kx20::kOffDmMediaType);
+static_assert(offsetof(DEVMODEW, dmDitherType) == kx20::kOffDmDitherType);
+static_assert(offsetof(DEVMODEW, dmPanningHeight) == kx20::kOffDmPanningHeight);
+static_assert(sizeof(DEVMODEW) == kx20::kDevModePublicSize);
+
+namespace {
+
+HINSTANCE g_module = nullptr;
+
+// The trace writes through its own adapters, which live as long as the module.
+kx20::Win32FileSystem& TraceFiles() {
+    static kx20::Win32FileSystem files;
+    return files;
+}
+kx20::Win32Clock& TraceClock() {
+    static kx20::Win32Clock clock;
+    return clock;
+}
+
+// A caller's device mode as the span it declares: its own dmSize + dmDriverExtra. Callers
+// hand only a pointer, so the declared extent is all there is to bound the record by.
+kx20::MutableByteSpan DeclaredRecord(DEVMODEW* dm) {
+    if (!dm) return {};
+    std::size_t size = static_cast<std::size_t>(dm->dmSize) + dm->dmDriverExtra;
+    if (size < kx20::kOffDmFields + 4) size = kx20::kOffDmFields + 4;
+    return {reinterpret_cast<std::uint8_t*>(dm), size};
+}
+
+std::uint32_t Low32(const void* p) {
+    return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(p));
+}
+
+}  // namespace
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
+    if (reason == DLL_PROCESS_ATTACH) {
+        g_module = instance;
+        DisableThreadLibraryCalls(instance);
+        kx20::SetTraceTarget(&TraceFiles(), &TraceClock());
+    }
+    return TRUE;
+}
+
+extern "C" __declspec(dllexport) LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO* info,
+                                                                      LPARAM lParam) {
+    using namespace kx20;
+    auto* header = reinterpret_cast<DocumentPropertyHeader*>(info ? info->lParamInit : lParam);
+    if (!header) return -1;
+    std::u16string printerName = TraceDocumentCall(
+        static_cast<std::uint32_t>(lParam), info != nullptr, FromWide(header->pszPrinterName),
+        Low32(header->pdmIn), Low32(header->pdmOut));
+    if (info && (header->fMode & kDmPrompt)) {
+        // The document sheet itself is not built yet.
+        DrvTrace(u"UNKNOWN Reason = %d\n", info->Reason);
+        DrvTrace(u"  Returning -1\n");
+        return -1;
+    }
+    Win32Platform platform;
+    std::int32_t outSize = static_cast<std::int32_t>(header->cbOut);
+    MutableByteSpan out;
+    if (header->pdmOut)
+        out = {reinterpret_cast<std::uint8_t*>(header->pdmOut),
+               header->cbOut ? header->cbOut : static_cast<DWORD>(kDevModeSize)};
+    DocumentRequest request{printerName, DeclaredRecord(header->pdmIn), out, header->fMode,
+                            outSize};
+    LONG result = DocumentPropertiesNoUi(platform.ports, request);
+    header->cbOut = static_cast<DWORD>(outSize);
+    return result;
+}
+
+extern "C" __declspec(dllexport) BOOL WINAPI DrvConvertDevMode(LPWSTR printerName, DEVMODEW*,
+                                                              DEVMODEW* out, LONG* size,
+                                                              DWORD mode) {
+    using namespace kx20;
+    Win32Platform platform;
+    std::int32_t inOut = size ? *size : 0;
+    MutableByteSpan outSpan;
+    if (out && inOut > 0) outSpan = {reinterpret_cast<std::uint8_t*>(out), static_cast<std::size_t>(inOut)};
+    std::uint32_t lastError = 0;
+    bool ok = ConvertDevModeCore(platform.ports, FromWide(printerName), outSpan, inOut, mode,
+                                 lastError);
+    if (size) *size = inOut;
+    if (!ok) SetLastError(lastError);
+    return ok ? TRUE : FALSE;
+}
+
+extern "C" __declspec(dllexport) BOOL WINAPI DevQueryPrintEx(void*) { return TRUE; }
+
+// Forwarded to the system's implementation in the spooler's client library.
+extern "C" __declspec(dllexport) BOOL WINAPI DevQueryPrint(HANDLE printer, DEVMODEW* devMode,
+                                                          DWORD* resourceId) {
+    using Fn = BOOL(WINAPI*)(HANDLE, DEVMODEW*, DWORD*);
+    HMODULE spool = LoadLibraryW(L"winspool.drv");
+    if (!spool) return FALSE;
+    auto fn = reinterpret_cast<Fn>(reinterpret_cast<void*>(GetProcAddress(spool, "DevQueryPrint")));
+    BOOL result = fn ? fn(printer, devMode, resourceId) : FALSE;
+    FreeLibrary(spool);
+    return result;
+}

@@ -1,0 +1,402 @@
+#include "entry/document_properties.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <string>
+#include <vector>
+
+#include "log/trace.h"
+#include "platform/memory/memory_files.h"
+#include "platform/memory/memory_monitor.h"
+#include "platform/memory/memory_registry.h"
+#include "platform/memory/memory_spooler.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+#define KX20_TEST_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KX20_TEST_ASAN 1
+#endif
+#endif
+
+namespace kx20 {
+namespace {
+
+// Trace messages in order, with the time stamp and the text-mode line ends taken off.
+std::vector<std::string> TraceMessages(const MemoryFileSystem& files) {
+    const Bytes* raw = files.Get(u"out");
+    std::string text = raw ? std::string(raw->begin(), raw->end()) : std::string();
+    for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos; ++at)
+        text.erase(at, 1);
+    const std::string stamp = "2024/03/05 09:07:02.045 - U: ";
+    std::vector<std::string> out;
+    for (std::size_t at = text.find(stamp); at != std::string::npos;) {
+        const std::size_t next = text.find(stamp, at + 1);
+        out.push_back(text.substr(at + stamp.size(), next - at - stamp.size()));
+        at = next;
+    }
+    return out;
+}
+
+bool Contains(const std::vector<std::string>& lines, const std::string& line) {
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+ByteSpan PrivatePart(ByteSpan record, std::size_t at) {
+    return record.subspan(at, kDevModePrivateSize);
+}
+
+bool SameBytes(ByteSpan a, ByteSpan b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end());
+}
+
+class DocumentProperties : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        SetTraceTarget(&files, &clock, {u"marker", u"out"});
+        files.Put(u"marker", {});
+        printer = &spooler.AddPrinter(u"KX20");
+        ResetCurrentDefaults();
+    }
+    void TearDown() override {
+        SetTraceTarget(nullptr, nullptr);
+        ResetCurrentDefaults();
+    }
+
+    std::int32_t NoUi(MutableByteSpan in, MutableByteSpan out, std::uint32_t mode) {
+        return DocumentPropertiesNoUi(p, DocumentRequest{u"KX20", in, out, mode, outSize});
+    }
+
+    MemoryRegistry registry;
+    MemorySpooler spooler;
+    MemoryFileSystem files;
+    ManualClock clock;
+    MemoryCommandChannel monitor;
+    Platform p{registry, spooler, files, clock, monitor};
+    MemorySpooler::Printer* printer = nullptr;
+    std::int32_t outSize = 0;
+};
+
+TEST_F(DocumentProperties, CurrentDefaultsComeFromThePrinterOrTheBuiltInRecord) {
+    DevModeImage stored = gsDevMode();
+    WriteDmShort(stored, kOffDmCopies, 5);
+    printer->info.devMode = Bytes(stored.begin(), stored.end());
+    printer->grantable = kPrinterRead;  // read access is enough
+    EXPECT_TRUE(LoadCurrentDefaults(p, u"KX20"));
+    EXPECT_EQ(CurrentDefaults(), stored);
+    EXPECT_FALSE(LoadCurrentDefaults(p, u"Nowhere", DefaultsTrace::SheetInit));
+    EXPECT_EQ(CurrentDefaults(), gsDevMode());
+    EXPECT_TRUE(LoadCurrentDefaults(p, u"KX20", DefaultsTrace::SheetInit));
+    EXPECT_FALSE(LoadCurrentDefaults(p, u"Nowhere"));
+    const std::vector<std::string> expected = {
+        "   YIKES - OpenPrinter failed!\n",
+        "DrvDocumentPropertySheets: Using registr.GetDevMode()\n",
+        "   YIKES - OpenPrinter failed!\n",
+        "   YIKES - OpenPrinter failed!\n",
+        "DrvDocumentPropertySheets(PROPSHEETUI_REASON_INIT): Using default &gsDevMode\n",
+        "   YIKES - OpenPrinter failed!\n",
+        "DrvDocumentPropertySheets(PROPSHEETUI_REASON_INIT): Using pRegistr->GetDevMode()\n",
+        "   YIKES - OpenPrinter failed!\n",
+        "   YIKES - OpenPrinter failed!\n",
+        "DrvDocumentPropertySheets: Using default &gsDevMode\n"};
+    EXPECT_EQ(TraceMessages(files), expected);
+}
+
+TEST_F(DocumentProperties, SizeQueryAnswersWholeRecordSize) {
+    Bytes out(6004, 0xEE);
+    EXPECT_EQ(NoUi({}, out, 0), 6004);
+    EXPECT_EQ(outSize, 6004);
+    outSize = 0;
+    EXPECT_EQ(NoUi({}, {}, kDmOutBuffer | kDmInBuffer), 6004);
+    EXPECT_EQ(outSize, 6004);
+    EXPECT_EQ(std::count(out.begin(), out.end(), 0xEE), 6004);
+    EXPECT_EQ(CurrentDefaults(), DevModeImage{});  // nothing loaded for a size query
+    EXPECT_EQ(TraceMessages(files),
+              (std::vector<std::string>{"  Returning 6004\n", "  Returning 6004\n"}));
+}
+
+TEST_F(DocumentProperties, WithoutInputRecordTheCurrentDefaultsAreReturned) {
+    Bytes out(6004, 0xEE);
+    EXPECT_EQ(NoUi({}, out, kDmOutBuffer | kDmInBuffer), kIdOk);
+    EXPECT_TRUE(SameBytes(out, gsDevMode()));
+    const std::vector<std::string> lines = TraceMessages(files);
+    ASSERT_EQ(lines.size(), 20u);
+    EXPECT_EQ(lines[0], "DrvDocumentPropertySheets: Using registr.GetDevMode()\n");
+    // The built-in record does not claim colour and media type: they are filled every time.
+    EXPECT_EQ(lines[1], "DM_COLOR adjusted to default\n");
+    EXPECT_EQ(lines[2], "DM_MEDIATYPE adjusted to default\n");
+    EXPECT_EQ(lines[3], "\n DEVMODE public data\n");
+    EXPECT_EQ(lines[19], "   returning 1\n");
+}
+
+TEST_F(DocumentProperties, UnclaimedMembersAreFilledIntoTheCallersRecord) {
+    DevModeImage stored = gsDevMode();
+    WriteDmShort(stored, kOffDmDefaultSource, 15);
+    printer->info.devMode = Bytes(stored.begin(), stored.end());
+
+    DevModeImage in = gsDevMode();
+    WriteU32(in, kOffDmFields, kDmPaperSize | kDmCopies);
+    WriteDmShort(in, kOffDmPaperSize, 999);  // claimed values are kept unchecked
+    WriteDmShort(in, kOffDmCopies, -3);
+    WriteDmShort(in, kOffDmOrientation, 2);
+    WriteDmShort(in, kOffDmColor, 2);
+    WriteU32(in, kOffDmMediaType, 7);
+    WriteU32(in, kDevModePublicSize + kPrivBReceiptStation, 0);
+    Bytes out(6004, 0xEE);
+    EXPECT_EQ(NoUi(in, out, kDmInBuffer | kDmOutBuffer), kIdOk);
+
+    EXPECT_EQ(ReadU32(in, kOffDmFields), kDmPaperSize | kDmCopies);  // left as it was
+    EXPECT_EQ(ReadDmShort(in, kOffDmPaperSize), 999);
+    EXPECT_EQ(ReadDmShort(in, kOffDmCopies), -3);
+    EXPECT_EQ(ReadDmShort(in, kOffDmOrientation), 1);
+    EXPECT_EQ(ReadDmShort(in, kOffDmColor), 1);
+    EXPECT_EQ(ReadU32(in, kOffDmMediaType), 0u);
+    EXPECT_EQ(ReadDmShort(in, kOffDmDefaultSource), 15);  // from the printer's record
+    EXPECT_TRUE(SameBytes(out, in));
+    EXPECT_EQ(ReadU32(out, kDevModePublicSize + kPrivBReceiptStation), 0u);
+
+    const std::vector<std::string> lines = TraceMessages(files);
+    const std::vector<std::string> fills(lines.begin() + 1, lines.begin() + 10);
+    EXPECT_EQ(fills,
+              (std::vector<std::string>{
+                  "DM_ORIENTATION adjusted to default\n", "DM_DEFAULTSOURCE adjusted to default\n",
+                  "DM_PRINTQUALITY adjusted to default\n", "DM_COLOR adjusted to default\n",
+                  "DM_DUPLEX adjusted to default\n", "DM_YRESOLUTION adjusted to default\n",
+                  "DM_TTOPTION adjusted to default\n", "DM_COLLATE adjusted to default\n",
+                  "DM_MEDIATYPE adjusted to default\n"}));
+
+    // Without DM_OUT_BUFFER only the input record is completed.
+    Bytes untouched(6004, 0xEE);
+    WriteDmShort(in, kOffDmOrientation, 2);
+    files.Remove(u"out");
+    EXPECT_EQ(NoUi(in, untouched, kDmInBuffer), kIdOk);
+    EXPECT_EQ(ReadDmShort(in, kOffDmOrientation), 1);
+    EXPECT_EQ(std::count(untouched.begin(), untouched.end(), 0xEE), 6004);
+    EXPECT_FALSE(Contains(TraceMessages(files), "\n DEVMODE public data\n"));
+}
+
+TEST_F(DocumentProperties, SizesAreRepairedAndForeignPrivatePartsReplaced) {
+    LoadCurrentDefaults(p, u"KX20");
+    // The whole size put into dmSize.
+    DevModeImage whole = gsDevMode();
+    WriteU16(whole, kOffDmSize, 6004);
+    WriteU16(whole, kOffDmDriverExtra, 0);
+    WriteU32(whole, kDevModePublicSize + kPrivBCutPaper, 0);
+    Bytes out(6004, 0xEE);
+    EXPECT_EQ(FillFromDefaults({u"KX20", whole, out, kDmInBuffer | kDmOutBuffer, outSize}), kIdOk);
+    EXPECT_EQ(ReadU16(whole, kOffDmSize), 220);
+    EXPECT_EQ(ReadU16(whole, kOffDmDriverExtra), 5784);
+    EXPECT_TRUE(SameBytes(out, whole));
+
+    // A foreign private part: the public part is kept, the private part is the defaults'.
+    DevModeImage foreign = gsDevMode();
+    WriteU32(foreign, kDevModePublicSize, 0x12345678);
+    WriteDmShort(foreign, kOffDmPaperSize, 9);
+    EXPECT_EQ(FillFromDefaults({u"KX20", foreign, out, kDmInBuffer | kDmOutBuffer, outSize}),
+              kIdOk);
+    EXPECT_EQ(ReadDmShort(out, kOffDmPaperSize), 9);
+    EXPECT_TRUE(SameBytes(PrivatePart(out, 220), PrivatePart(CurrentDefaults(), 220)));
+
+    // A plain public record without any private part, in the same buffer as the output.
+    Bytes shared(6004, 0);
+    std::copy(gsDevMode().begin(), gsDevMode().begin() + 220, shared.begin());
+    WriteU16(shared, kOffDmDriverExtra, 0);
+    MutableByteSpan in = MutableByteSpan(shared).first(220);
+    EXPECT_EQ(FillFromDefaults({u"KX20", in, shared, kDmInBuffer | kDmOutBuffer, outSize}), kIdOk);
+    EXPECT_TRUE(SameBytes(PrivatePart(shared, 220), PrivatePart(CurrentDefaults(), 220)));
+}
+
+TEST_F(DocumentProperties, ShortPublicPartKeepsMembersOutOfItsPrivatePart) {
+    LoadCurrentDefaults(p, u"KX20");
+    // An 80-byte public part: only orientation and paper size lie inside it.
+    Bytes in(80 + 5784, 0x33);
+    WriteU16(in, kOffDmSize, 80);
+    WriteU16(in, kOffDmDriverExtra, 5784);
+    WriteU32(in, kOffDmFields, 0);
+    WriteU32(in, 80, kDevModeSignature);
+    const Bytes original = in;
+    Bytes out(6004, 0xEE);
+    EXPECT_EQ(FillFromDefaults({u"KX20", in, out, kDmInBuffer | kDmOutBuffer, outSize}), kIdOk);
+    EXPECT_EQ(ReadDmShort(in, kOffDmOrientation), 1);
+    EXPECT_EQ(ReadDmShort(in, kOffDmPaperSize), 259);
+    EXPECT_TRUE(std::equal(in.begin() + 80, in.end(), original.begin() + 80));
+    EXPECT_TRUE(SameBytes(MutableByteSpan(out).first(in.size()), in));
+    EXPECT_EQ(std::count(out.begin() + in.size(), out.end(), 0xEE), 6004 - 5864);
+    const std::vector<std::string> lines = TraceMessages(files);
+    EXPECT_TRUE(Contains(lines, "DM_PAPERSIZE adjusted to default\n"));
+    EXPECT_FALSE(Contains(lines, "DM_COPIES adjusted to default\n"));
+}
+
+TEST_F(DocumentProperties, ConversionCopiesWholeRecordForEveryMode) {
+    std::uint32_t lastError = 0;
+    Bytes out(8000, 0xEE);
+    std::int32_t size = 6003;
+    EXPECT_FALSE(ConvertDevModeCore(p, u"KX20", out, size, kCdmConvert, lastError));
+    EXPECT_EQ(size, 6004);
+    EXPECT_EQ(lastError, 122u);
+    EXPECT_EQ(std::count(out.begin(), out.end(), 0xEE), 8000);
+    size = 6004;
+    lastError = 0;
+    EXPECT_FALSE(ConvertDevModeCore(p, u"KX20", {}, size, kCdmConvert, lastError));
+    EXPECT_EQ(lastError, 122u);
+    size = INT32_MAX;  // a size the buffer does not have
+    EXPECT_FALSE(
+        ConvertDevModeCore(p, u"KX20", MutableByteSpan(out).first(6003), size, 1, lastError));
+    EXPECT_EQ(size, 6004);
+
+    DevModeImage stored = gsDevMode();
+    WriteU16(stored, kOffDmDriverExtra, 12);  // taken as it is
+    for (std::uint32_t mode : {kCdmConvert, kCdmConvert351, kCdmDriverDefault, 0u, 99u}) {
+        size = 8000;
+        lastError = 0;
+        EXPECT_TRUE(ConvertDevModeCore(p, u"Nowhere", out, size, mode, lastError));
+        EXPECT_TRUE(SameBytes(MutableByteSpan(out).first(6004), gsDevMode()));
+        printer->info.devMode = Bytes(stored.begin(), stored.end());
+        EXPECT_TRUE(ConvertDevModeCore(p, u"KX20", out, size, mode, lastError));
+        EXPECT_TRUE(SameBytes(MutableByteSpan(out).first(6004), stored));
+        printer->info.devMode.reset();
+        EXPECT_EQ(size, 8000);
+        EXPECT_EQ(lastError, 0u);
+        EXPECT_EQ(std::count(out.begin() + 6004, out.end(), 0xEE), 1996);
+    }
+    std::vector<std::string> modes;
+    for (const std::string& line : TraceMessages(files))
+        if (line.rfind("fMode", 0) == 0 && !Contains(modes, line))
+            modes.push_back(line);
+    EXPECT_EQ(modes, (std::vector<std::string>{
+                         "fMode = CDM_CONVERT       \n", "fMode = CDM_CONVERT351    \n",
+                         "fMode = CDM_DRIVER_DEFAULT\n", "fMode = default\n"}));
+}
+
+TEST_F(DocumentProperties, OpeningTraceOfTheCall) {
+    const std::u16string name =
+        TraceDocumentCall(0x1234ABCD, true, std::u16string(300, u'P'), 0xDEAD, 0);
+    EXPECT_EQ(name, std::u16string(259, u'P'));
+    const std::vector<std::string> lines = TraceMessages(files);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0], "  lParam = 0x1234ABCD, pPSUIInfo non-NULL? = 1\n");
+    // The narrow trace line holds at most 260 bytes.
+    EXPECT_EQ(lines[1], "PrinterName = " + std::string(260 - 14, 'P'));
+    EXPECT_EQ(lines[2], "pdmIn=0X0000DEAD, pdmOut=0X00000000\n");
+}
+
+// A buffer with guard bytes on both sides, or (under the address sanitizer) without, so that
+// the sanitizer sees every access past either end.
+class GuardedBuffer {
+  public:
+#ifdef KX20_TEST_ASAN
+    static constexpr std::size_t kGuard = 0;
+#else
+    static constexpr std::size_t kGuard = 64;
+#endif
+    explicit GuardedBuffer(std::size_t size, std::uint8_t fill)
+        : storage_(size + 2 * kGuard, 0xC5), size_(size) {
+        std::fill_n(span().begin(), size, fill);
+    }
+    MutableByteSpan span() {
+        return MutableByteSpan(storage_).subspan(kGuard, size_);
+    }
+    bool GuardsIntact() const {
+        return std::all_of(storage_.begin(), storage_.begin() + kGuard,
+                           [](std::uint8_t b) { return b == 0xC5; }) &&
+               std::all_of(storage_.end() - kGuard, storage_.end(),
+                           [](std::uint8_t b) { return b == 0xC5; });
+    }
+
+  private:
+    Bytes storage_;
+    std::size_t size_;
+};
+
+// Caller records of every shape: the span size (0 = dmSize + dmDriverExtra, as the Win32
+// entry computes it) is the parameter; sizes, fields, signature, output size and a shared
+// input/output buffer are swept inside.
+class HostileRecords : public ::testing::TestWithParam<std::size_t> {
+  protected:
+    void SetUp() override {
+        spooler.AddPrinter(u"KX20");
+        LoadCurrentDefaults(p, u"KX20");
+    }
+    void TearDown() override { ResetCurrentDefaults(); }
+
+    MemoryRegistry registry;
+    MemorySpooler spooler;
+    MemoryFileSystem files;
+    ManualClock clock;
+    MemoryCommandChannel monitor;
+    Platform p{registry, spooler, files, clock, monitor};
+};
+
+struct HostileCase {
+    std::size_t inBytes, dmSize, extra;
+    bool signature;
+    std::uint32_t fields;
+    std::size_t outBytes;
+    bool shared;  // input and output in one buffer, as callers may pass them
+};
+
+void CheckFillStaysInside(const HostileCase& c) {
+    SCOPED_TRACE(testing::Message() << "in " << c.inBytes << " dmSize " << c.dmSize << " extra "
+                                    << c.extra << " signature " << c.signature << " out "
+                                    << c.outBytes << " shared " << c.shared);
+    GuardedBuffer a(c.shared ? std::max(c.inBytes, c.outBytes) : c.inBytes, 0x5A);
+    GuardedBuffer b(c.shared ? 0 : c.outBytes, 0xEE);
+    MutableByteSpan in = a.span().first(c.inBytes);
+    MutableByteSpan out = c.shared ? a.span().first(c.outBytes) : b.span();
+    WriteU16(in, kOffDmSize, static_cast<std::uint16_t>(c.dmSize));
+    WriteU16(in, kOffDmDriverExtra, static_cast<std::uint16_t>(c.extra));
+    WriteU32(in, kOffDmFields, c.fields);
+    if (c.signature)
+        WriteU32(in, c.dmSize, kDevModeSignature);
+    // Where the output's private part goes: the record's own public size after the
+    // whole-size-in-dmSize repair, or the defaults' when there is no record.
+    std::size_t pub = ReadU16(in, kOffDmSize);
+    if (pub == 6004 && ReadU16(in, kOffDmDriverExtra) == 0)
+        pub = 220;
+    if (in.empty())
+        pub = 220;
+
+    std::int32_t size = 0;
+    EXPECT_EQ(FillFromDefaults({u"KX20", in, out, kDmInBuffer | kDmOutBuffer, size}), kIdOk);
+    EXPECT_TRUE(a.GuardsIntact());
+    EXPECT_TRUE(b.GuardsIntact());
+    // Whichever private part was taken, it is one of this driver's.
+    if (pub + kDevModePrivateSize <= c.outBytes) {
+        EXPECT_EQ(ReadU32(out, pub), kDevModeSignature);
+    }
+}
+
+TEST_P(HostileRecords, StayInsideTheirSpans) {
+    for (std::size_t dmSize : {0, 1, 69, 76, 80, 156, 219, 220, 221, 5784, 6004, 65535})
+        for (std::size_t extra : {0, 4, 5784, 65535})
+            for (std::size_t outBytes : {1, 100, 220, 6003, 6004, 9000})
+                for (int variant = 0; variant < 8; ++variant) {
+                    const std::size_t inBytes = GetParam() ? GetParam() : dmSize + extra;
+                    CheckFillStaysInside({inBytes, dmSize, extra, (variant & 1) != 0,
+                                          (variant & 2) ? 0xFFFFFFFFu : 0u, outBytes,
+                                          (variant & 4) != 0});
+                    if (HasFailure())
+                        return;
+                }
+}
+
+INSTANTIATE_TEST_SUITE_P(SpanSizes, HostileRecords,
+                         ::testing::Values(0, 1, 70, 72, 100, 220, 5864, 6004, 6100));
+
+TEST_F(DocumentProperties, ConversionStaysInsideItsOutputSpan) {
+    std::uint32_t lastError = 0;
+    for (std::size_t bytes : {0u, 1u, 6003u, 6004u, 6005u})
+        for (std::int32_t claimed : {-1, 0, 6003, 6004, INT32_MAX}) {
+            GuardedBuffer out(bytes, 0xEE);
+            std::int32_t size = claimed;
+            const bool ok = ConvertDevModeCore(p, u"KX20", out.span(), size, 1, lastError);
+            EXPECT_EQ(ok, bytes >= 6004 && claimed >= 6004);
+            EXPECT_EQ(size, ok ? claimed : 6004);
+            EXPECT_TRUE(out.GuardsIntact());
+        }
+}
+
+}  // namespace
+}  // namespace kx20

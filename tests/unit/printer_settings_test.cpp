@@ -1,0 +1,159 @@
+#include "devmode/printer_settings.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "log/trace.h"
+#include "platform/memory/memory_files.h"
+#include "platform/memory/memory_monitor.h"
+#include "platform/memory/memory_registry.h"
+#include "platform/memory/memory_spooler.h"
+
+namespace kx20 {
+namespace {
+
+// Trace messages in order, with the time stamp and the text-mode line ends taken off.
+std::vector<std::string> TraceMessages(const MemoryFileSystem& files) {
+    const Bytes* raw = files.Get(u"out");
+    std::string text = raw ? std::string(raw->begin(), raw->end()) : std::string();
+    for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos; ++at)
+        text.erase(at, 1);
+    const std::string stamp = "2024/03/05 09:07:02.045 - U: ";
+    std::vector<std::string> out;
+    for (std::size_t at = text.find(stamp); at != std::string::npos;) {
+        const std::size_t next = text.find(stamp, at + 1);
+        out.push_back(text.substr(at + stamp.size(), next - at - stamp.size()));
+        at = next;
+    }
+    return out;
+}
+
+class PrinterSettingsTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        SetTraceTarget(&files, &clock, {u"marker", u"out"});
+        files.Put(u"marker", {});
+        printer = &spooler.AddPrinter(u"KX20");
+    }
+    void TearDown() override { SetTraceTarget(nullptr, nullptr); }
+
+    MemoryRegistry registry;
+    MemorySpooler spooler;
+    MemoryFileSystem files;
+    ManualClock clock;
+    MemoryCommandChannel monitor;
+    Platform p{registry, spooler, files, clock, monitor};
+    MemorySpooler::Printer* printer = nullptr;
+};
+
+TEST_F(PrinterSettingsTest, OpensWithReadAccessWhenAllAccessIsRefused) {
+    printer->grantable = kPrinterRead;
+    PrinterSettings s(p, u"KX20", kPrinterAllAccess);
+    EXPECT_FALSE(s.IsOpen());
+    EXPECT_EQ(s.GrantedAccess(), 0u);
+    EXPECT_EQ(s.GetDevMode(), nullptr);
+    EXPECT_TRUE(OpenWithReadFallback(s));
+    EXPECT_EQ(s.GrantedAccess(), kPrinterRead);
+    EXPECT_FALSE(s.CanAdminister());
+    EXPECT_TRUE(s.Open(kPrinterAllAccess));  // already open: kept as it is
+    EXPECT_EQ(s.GrantedAccess(), kPrinterRead);
+    EXPECT_EQ(printer->opens, 1);
+    EXPECT_EQ(TraceMessages(files), std::vector<std::string>{"   YIKES - OpenPrinter failed!\n"});
+
+    // Read access: storing a device mode does nothing and says nothing.
+    s.SetDevMode(gsDevMode());
+    EXPECT_EQ(printer->setPrinterCalls, 0);
+    EXPECT_FALSE(printer->info.devMode.has_value());
+    EXPECT_EQ(TraceMessages(files).size(), 1u);
+
+    // An unknown printer stays closed after both tries; the object is still usable.
+    PrinterSettings none(p, u"Nowhere" + std::u16string(300, u'n'), kPrinterAllAccess);
+    EXPECT_EQ(none.PrinterName().size(), 259u);
+    EXPECT_FALSE(OpenWithReadFallback(none));
+    EXPECT_EQ(TraceMessages(files).size(), 3u);
+    EXPECT_EQ(none.PrinterInformation(2), nullptr);
+    EXPECT_EQ(none.DriverPath(), nullptr);
+    EXPECT_EQ(none.SetPrinterData(u"Value", 4, Bytes{1}), 6u);
+    const std::vector<std::string> lines = TraceMessages(files);
+    EXPECT_EQ(lines[3], "   SetPrinterData called failed setting Value\n");
+    EXPECT_EQ(lines[4], "   return code is 6");
+}
+
+TEST_F(PrinterSettingsTest, DeviceModeCopyIsAlwaysAWholeRecord) {
+    PrinterSettings s(p, u"KX20", kPrinterAllAccess);
+    ASSERT_TRUE(s.IsOpen());
+    // No stored record: the built-in defaults with the roll paper.
+    const DevModeImage* dm = s.GetDevMode();
+    ASSERT_NE(dm, nullptr);
+    EXPECT_EQ(*dm, gsDevMode());
+    EXPECT_EQ(ReadDmShort(*dm, kOffDmPaperSize), 259);
+
+    // A stored record is taken as it is, 6004 bytes whatever its sizes say.
+    Bytes stored(7000, 0x5A);
+    WriteU16(stored, kOffDmDriverExtra, 0);
+    printer->info.devMode = stored;
+    dm = s.GetDevMode();
+    EXPECT_TRUE(std::equal(dm->begin(), dm->end(), stored.begin()));
+
+    // A stored record shorter than that keeps the built-in bytes it lacks.
+    printer->info.devMode = Bytes(220, 0x11);
+    dm = s.GetDevMode();
+    EXPECT_EQ(std::count(dm->begin(), dm->begin() + 220, 0x11), 220);
+    EXPECT_TRUE(std::equal(dm->begin() + 220, dm->end(), gsDevMode().begin() + 220));
+}
+
+TEST_F(PrinterSettingsTest, StoresDeviceModeWithAdministerRights) {
+    PrinterSettings s(p, u"KX20", kPrinterAllAccess);
+    ASSERT_TRUE(s.CanAdminister());
+    DevModeImage record = gsDevMode();
+    WriteDmShort(record, kOffDmCopies, 3);
+    s.SetDevMode(record);
+    ASSERT_TRUE(printer->info.devMode.has_value());
+    EXPECT_EQ(*printer->info.devMode, Bytes(record.begin(), record.end()));
+    EXPECT_EQ(printer->info.portName, u"KX20_USB1");  // the rest of level 2 is kept
+    std::vector<std::string> lines = TraceMessages(files);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0], "   pRegistry->GetPrinter(ppinfo) getting called\n");
+    EXPECT_EQ(lines[1], "   old ppinfo->pDevMode = 0x00000000\n");  // there was none
+    EXPECT_EQ(lines[2], "   this->SetPrinter(ppinfo) getting called\n");
+
+    printer->failSetPrinter = true;
+    s.SetDevMode(gsDevMode());
+    lines = TraceMessages(files);
+    ASSERT_EQ(lines.size(), 8u);
+    EXPECT_EQ(lines[4].rfind("   old ppinfo->pDevMode = 0x", 0), 0u);
+    EXPECT_EQ(lines[6], "   system error message is:\n   System error 5.\n");
+    EXPECT_EQ(lines[7], "   YIKES, this->SetPrinter failed\n");
+}
+
+TEST_F(PrinterSettingsTest, DriverFilesComeFromCachedLevel3Information) {
+    DriverInfo driver;
+    driver.driverPath = u"C:\\drv\\KVORSUSR.DLL";
+    driver.dataFile = u"C:\\drv\\KX20.GPD";
+    driver.dependentFiles = {u"C:\\drv\\first.XPI", u"C:\\drv\\KVORSENU.DLL",
+                             u"C:\\drv\\second.XPI", u"C:\\drv\\third.xpi"};
+    printer->driver = driver;
+    PrinterSettings s(p, u"KX20", kPrinterAllAccess);
+    const std::u16string* xpi = s.FindXpiFile();
+    ASSERT_NE(xpi, nullptr);
+    EXPECT_EQ(*xpi, u"C:\\drv\\second.XPI");  // the last upper-case match
+    // Cached: a later change in the spooler is not seen.
+    printer->driver->driverPath = u"changed";
+    ASSERT_NE(s.DriverPath(), nullptr);
+    EXPECT_EQ(*s.DriverPath(), u"C:\\drv\\KVORSUSR.DLL");
+    EXPECT_EQ(*s.DataFile(), u"C:\\drv\\KX20.GPD");
+
+    printer->driver->dependentFiles = {u"a.dll"};
+    ASSERT_NE(s.DriverInformation(3), nullptr);  // fetched again
+    EXPECT_EQ(s.FindXpiFile(), nullptr);
+    printer->driver.reset();
+    PrinterSettings noDriver(p, u"KX20", kPrinterAllAccess);
+    EXPECT_EQ(noDriver.FindXpiFile(), nullptr);
+    EXPECT_EQ(noDriver.DataFile(), nullptr);
+}
+
+}  // namespace
+}  // namespace kx20
