@@ -6,24 +6,24 @@ namespace kx20 {
 
 namespace {
 
-struct Spec {
+struct Directive {
     bool left = false, zero = false, plus = false, space = false, alt = false;
     int width = 0;
     int precision = -1;
     int bits = 32;  // integer size from the length modifier
 };
 
-void Pad(std::u16string& out, std::u16string_view body, const Spec& spec, bool allowZero) {
-    std::size_t width = static_cast<std::size_t>(spec.width);
+void Pad(std::u16string& out, std::u16string_view body, const Directive& d, bool allowZero) {
+    std::size_t width = static_cast<std::size_t>(d.width);
     if (body.size() >= width) {
         out += body;
         return;
     }
     std::size_t fill = width - body.size();
-    if (spec.left) {
+    if (d.left) {
         out += body;
         out.append(fill, u' ');
-    } else if (spec.zero && allowZero) {
+    } else if (d.zero && allowZero) {
         // Zeros go after the sign or the 0x prefix.
         std::size_t prefix = 0;
         if (!body.empty() && (body[0] == u'-' || body[0] == u'+' || body[0] == u' ')) prefix = 1;
@@ -49,11 +49,11 @@ std::u16string Digits(std::uint64_t v, unsigned base, bool upper) {
     return std::u16string(d.rbegin(), d.rend());
 }
 
-bool FormatInteger(std::u16string& out, char16_t conv, const Spec& spec, const FormatArg& arg) {
+bool FormatInteger(std::u16string& out, char16_t conv, const Directive& d, const FormatArg& arg) {
     if (arg.kind() != FormatArg::Kind::Signed && arg.kind() != FormatArg::Kind::Unsigned)
         return false;
     std::uint64_t raw = static_cast<std::uint64_t>(arg.integer());
-    std::uint64_t mask = spec.bits >= 64 ? ~0ULL : ((1ULL << spec.bits) - 1);
+    std::uint64_t mask = d.bits >= 64 ? ~0ULL : ((1ULL << d.bits) - 1);
     raw &= mask;
     if (conv == u'c') {
         out += static_cast<char16_t>(raw & 0xFFFF);
@@ -62,7 +62,7 @@ bool FormatInteger(std::u16string& out, char16_t conv, const Spec& spec, const F
     bool negative = false;
     std::uint64_t magnitude = raw;
     if (conv == u'd' || conv == u'i') {
-        std::uint64_t signBit = 1ULL << (spec.bits - 1);
+        std::uint64_t signBit = 1ULL << (d.bits - 1);
         if (raw & signBit) {
             negative = true;
             magnitude = (~raw + 1) & mask;
@@ -71,27 +71,27 @@ bool FormatInteger(std::u16string& out, char16_t conv, const Spec& spec, const F
     unsigned base = (conv == u'x' || conv == u'X' || conv == u'p') ? 16 : (conv == u'o' ? 8 : 10);
     std::u16string digits = Digits(magnitude, base, conv == u'X' || conv == u'p');
     std::size_t minDigits = conv == u'p' ? 16 : 1;
-    if (spec.precision >= 0) {
-        if (spec.precision == 0 && magnitude == 0) digits.clear();
-        minDigits = static_cast<std::size_t>(spec.precision);
+    if (d.precision >= 0) {
+        if (d.precision == 0 && magnitude == 0) digits.clear();
+        minDigits = static_cast<std::size_t>(d.precision);
     }
     if (digits.size() < minDigits) digits = std::u16string(minDigits - digits.size(), u'0') + digits;
     std::u16string body;
     if (negative)
         body = u"-";
-    else if ((conv == u'd' || conv == u'i') && spec.plus)
+    else if ((conv == u'd' || conv == u'i') && d.plus)
         body = u"+";
-    else if ((conv == u'd' || conv == u'i') && spec.space)
+    else if ((conv == u'd' || conv == u'i') && d.space)
         body = u" ";
-    if (spec.alt && magnitude != 0 && (conv == u'x' || conv == u'X'))
+    if (d.alt && magnitude != 0 && (conv == u'x' || conv == u'X'))
         body += conv == u'x' ? u"0x" : u"0X";
-    if (spec.alt && conv == u'o' && (digits.empty() || digits[0] != u'0')) body += u"0";
+    if (d.alt && conv == u'o' && (digits.empty() || digits[0] != u'0')) body += u"0";
     body += digits;
-    Pad(out, body, spec, spec.precision < 0);
+    Pad(out, body, d, d.precision < 0);
     return true;
 }
 
-bool FormatText(std::u16string& out, const Spec& spec, const FormatArg& arg) {
+bool FormatText(std::u16string& out, const Directive& d, const FormatArg& arg) {
     std::u16string body;
     if (arg.kind() == FormatArg::Kind::Wide)
         body = std::u16string(arg.wide());
@@ -99,9 +99,9 @@ bool FormatText(std::u16string& out, const Spec& spec, const FormatArg& arg) {
         body = AnsiToUtf16(arg.narrow());
     else
         return false;
-    if (spec.precision >= 0 && body.size() > static_cast<std::size_t>(spec.precision))
-        body.resize(static_cast<std::size_t>(spec.precision));
-    Pad(out, body, spec, false);
+    if (d.precision >= 0 && body.size() > static_cast<std::size_t>(d.precision))
+        body.resize(static_cast<std::size_t>(d.precision));
+    Pad(out, body, d, false);
     return true;
 }
 
@@ -126,42 +126,42 @@ bool FormatTo(std::u16string& out, std::u16string_view fmt, std::span<const Form
             out += u'%';
             continue;
         }
-        Spec spec;
+        Directive d;
         for (; i < fmt.size(); ++i) {
             char16_t f = fmt[i];
             if (f == u'-')
-                spec.left = true;
+                d.left = true;
             else if (f == u'0')
-                spec.zero = true;
+                d.zero = true;
             else if (f == u'+')
-                spec.plus = true;
+                d.plus = true;
             else if (f == u' ')
-                spec.space = true;
+                d.space = true;
             else if (f == u'#')
-                spec.alt = true;
+                d.alt = true;
             else
                 break;
         }
         for (; i < fmt.size() && fmt[i] >= u'0' && fmt[i] <= u'9'; ++i)
-            spec.width = spec.width * 10 + (fmt[i] - u'0');
+            d.width = d.width * 10 + (fmt[i] - u'0');
         if (i < fmt.size() && fmt[i] == u'.') {
-            spec.precision = 0;
+            d.precision = 0;
             for (++i; i < fmt.size() && fmt[i] >= u'0' && fmt[i] <= u'9'; ++i)
-                spec.precision = spec.precision * 10 + (fmt[i] - u'0');
+                d.precision = d.precision * 10 + (fmt[i] - u'0');
         }
-        if (spec.width > 100000 || spec.precision > 100000) {
+        if (d.width > 100000 || d.precision > 100000) {
             ok = false;
             break;
         }
         // Length modifiers.
         if (fmt.substr(i, 3) == u"I64") {
-            spec.bits = 64;
+            d.bits = 64;
             i += 3;
         } else if (fmt.substr(i, 2) == u"ll") {
-            spec.bits = 64;
+            d.bits = 64;
             i += 2;
         } else if (i < fmt.size() && fmt[i] == u'h') {
-            spec.bits = 16;
+            d.bits = 16;
             ++i;
         } else if (i < fmt.size() && (fmt[i] == u'l' || fmt[i] == u'w')) {
             ++i;
@@ -180,15 +180,15 @@ bool FormatTo(std::u16string& out, std::u16string_view fmt, std::span<const Form
             case u'X':
             case u'o':
             case u'c':
-                ok = FormatInteger(out, conv, spec, arg);
+                ok = FormatInteger(out, conv, d, arg);
                 break;
             case u'p':
-                spec.bits = 64;
-                ok = FormatInteger(out, conv, spec, arg);
+                d.bits = 64;
+                ok = FormatInteger(out, conv, d, arg);
                 break;
             case u's':
             case u'S':
-                ok = FormatText(out, spec, arg);
+                ok = FormatText(out, d, arg);
                 break;
             default:
                 ok = false;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/memory/memory_platform.h"
+
 #include "platform/memory/memory_files.h"
 #include "platform/memory/memory_monitor.h"
 #include "platform/memory/memory_registry.h"
@@ -11,12 +13,10 @@ namespace kx20::channel {
 namespace {
 
 TEST(CommandTransport, LoadsPerOperationAndTellsHowEachCommandWent) {
-    MemoryRegistry registry;
-    MemorySpooler spooler;
-    MemoryFileSystem files;
-    ManualClock clock;
-    MemoryCommandChannel monitor;
-    Platform p{registry, spooler, files, clock, monitor};
+    MemoryPlatform m;
+    MemorySpooler& spooler = m.spooler;
+    MemoryCommandChannel& monitor = m.monitor;
+    Platform& p = m.p;
     spooler.AddPrinter(u"KX20 Receipt", u"USB003");
     monitor.handler = [](std::u16string_view, const std::u16string*, ByteSpan cmd,
                          MonitorReply&) -> std::uint32_t { return cmd[0] == 0x99 ? 31 : 0; };

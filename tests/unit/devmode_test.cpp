@@ -8,25 +8,10 @@
 
 #include "log/trace.h"
 #include "platform/memory/memory_files.h"
+#include "tests/unit/trace_capture.h"
 
 namespace kx20 {
 namespace {
-
-// Trace messages in order, with the time stamp and the text-mode line ends taken off.
-std::vector<std::string> TraceMessages(const MemoryFileSystem& files) {
-    const Bytes* raw = files.Get(u"out");
-    std::string text = raw ? std::string(raw->begin(), raw->end()) : std::string();
-    for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos; ++at)
-        text.erase(at, 1);
-    const std::string stamp = "2024/03/05 09:07:02.045 - U: ";
-    std::vector<std::string> out;
-    for (std::size_t at = text.find(stamp); at != std::string::npos;) {
-        const std::size_t next = text.find(stamp, at + 1);
-        out.push_back(text.substr(at + stamp.size(), next - at - stamp.size()));
-        at = next;
-    }
-    return out;
-}
 
 // Clears `count` bytes after checking they are not all zero, so that the rest of the image can
 // be checked for zeros at the end.

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/memory/memory_platform.h"
+
 #include <algorithm>
 #include <climits>
 #include <string>
@@ -9,6 +11,7 @@
 
 #include "log/trace.h"
 #include "platform/memory/memory_files.h"
+#include "tests/unit/trace_capture.h"
 #include "platform/memory/memory_monitor.h"
 #include "platform/memory/memory_registry.h"
 #include "platform/memory/memory_spooler.h"
@@ -24,22 +27,6 @@
 namespace kx20 {
 namespace {
 
-// Trace messages in order, with the time stamp and the text-mode line ends taken off.
-std::vector<std::string> TraceMessages(const MemoryFileSystem& files) {
-    const Bytes* raw = files.Get(u"out");
-    std::string text = raw ? std::string(raw->begin(), raw->end()) : std::string();
-    for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos; ++at)
-        text.erase(at, 1);
-    const std::string stamp = "2024/03/05 09:07:02.045 - U: ";
-    std::vector<std::string> out;
-    for (std::size_t at = text.find(stamp); at != std::string::npos;) {
-        const std::size_t next = text.find(stamp, at + 1);
-        out.push_back(text.substr(at + stamp.size(), next - at - stamp.size()));
-        at = next;
-    }
-    return out;
-}
-
 bool Contains(const std::vector<std::string>& lines, const std::string& line) {
     return std::find(lines.begin(), lines.end(), line) != lines.end();
 }
@@ -52,7 +39,7 @@ bool SameBytes(ByteSpan a, ByteSpan b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end());
 }
 
-class DocumentProperties : public ::testing::Test {
+class DocumentProperties : public ::testing::Test, protected MemoryPlatform {
   protected:
     void SetUp() override {
         SetTraceTarget(&files, &clock, {u"marker", u"out"});
@@ -69,12 +56,6 @@ class DocumentProperties : public ::testing::Test {
         return DocumentPropertiesNoUi(p, DocumentRequest{u"KX20", in, out, mode, outSize});
     }
 
-    MemoryRegistry registry;
-    MemorySpooler spooler;
-    MemoryFileSystem files;
-    ManualClock clock;
-    MemoryCommandChannel monitor;
-    Platform p{registry, spooler, files, clock, monitor};
     MemorySpooler::Printer* printer = nullptr;
     std::int32_t outSize = 0;
 };
@@ -313,7 +294,7 @@ class GuardedBuffer {
 // Caller records of every shape: the span size (0 = dmSize + dmDriverExtra, as the Win32
 // entry computes it) is the parameter; sizes, fields, signature, output size and a shared
 // input/output buffer are swept inside.
-class HostileRecords : public ::testing::TestWithParam<std::size_t> {
+class HostileRecords : public ::testing::TestWithParam<std::size_t>, protected MemoryPlatform {
   protected:
     void SetUp() override {
         spooler.AddPrinter(u"KX20");
@@ -321,12 +302,6 @@ class HostileRecords : public ::testing::TestWithParam<std::size_t> {
     }
     void TearDown() override { ResetCurrentDefaults(); }
 
-    MemoryRegistry registry;
-    MemorySpooler spooler;
-    MemoryFileSystem files;
-    ManualClock clock;
-    MemoryCommandChannel monitor;
-    Platform p{registry, spooler, files, clock, monitor};
 };
 
 struct HostileCase {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/memory/memory_platform.h"
+
 #include "platform/memory/memory_files.h"
 #include "platform/memory/memory_monitor.h"
 #include "platform/memory/memory_registry.h"
@@ -10,7 +12,7 @@
 namespace kx20::channel {
 namespace {
 
-class JobChannel : public ::testing::Test {
+class JobChannel : public ::testing::Test, protected MemoryPlatform {
   protected:
     void SetUp() override { spooler.AddPrinter(u"KX20", u"USB001"); }
     bool Send(std::uint32_t kind = 1, std::uint32_t number = 3) {
@@ -19,12 +21,6 @@ class JobChannel : public ::testing::Test {
     }
 
     BuiltinStrings strings;
-    MemoryRegistry registry;
-    MemorySpooler spooler;
-    MemoryFileSystem files;
-    ManualClock clock;
-    MemoryCommandChannel monitor;
-    Platform p{registry, spooler, files, clock, monitor};
     Bytes data{0x43, 0x01, 0x4D, 0x00, 0xFF, 0x10};
 };
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/memory/memory_platform.h"
+
 #include <functional>
 #include <map>
 #include <string>
@@ -19,7 +21,7 @@ namespace {
 constexpr char16_t kPrinter[] = u"KX20";
 using Sleeps = std::vector<std::uint32_t>;
 
-class PrinterQueries : public ::testing::Test {
+class PrinterQueries : public ::testing::Test, protected MemoryPlatform {
   protected:
     void SetUp() override {
         spooler.AddPrinter(kPrinter, u"USB001");
@@ -57,12 +59,6 @@ class PrinterQueries : public ::testing::Test {
         return b && std::string(b->begin(), b->end()).find(text) != std::string::npos;
     }
 
-    MemoryRegistry registry;
-    MemorySpooler spooler;
-    MemoryFileSystem files;
-    ManualClock clock;
-    MemoryCommandChannel monitor;
-    Platform p{registry, spooler, files, clock, monitor};
 };
 
 struct ChecksumCase {

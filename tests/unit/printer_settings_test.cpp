@@ -2,12 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/memory/memory_platform.h"
+
 #include <algorithm>
 #include <string>
 #include <vector>
 
 #include "log/trace.h"
 #include "platform/memory/memory_files.h"
+#include "tests/unit/trace_capture.h"
 #include "platform/memory/memory_monitor.h"
 #include "platform/memory/memory_registry.h"
 #include "platform/memory/memory_spooler.h"
@@ -15,23 +18,7 @@
 namespace kx20 {
 namespace {
 
-// Trace messages in order, with the time stamp and the text-mode line ends taken off.
-std::vector<std::string> TraceMessages(const MemoryFileSystem& files) {
-    const Bytes* raw = files.Get(u"out");
-    std::string text = raw ? std::string(raw->begin(), raw->end()) : std::string();
-    for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos; ++at)
-        text.erase(at, 1);
-    const std::string stamp = "2024/03/05 09:07:02.045 - U: ";
-    std::vector<std::string> out;
-    for (std::size_t at = text.find(stamp); at != std::string::npos;) {
-        const std::size_t next = text.find(stamp, at + 1);
-        out.push_back(text.substr(at + stamp.size(), next - at - stamp.size()));
-        at = next;
-    }
-    return out;
-}
-
-class PrinterSettingsTest : public ::testing::Test {
+class PrinterSettingsTest : public ::testing::Test, protected MemoryPlatform {
   protected:
     void SetUp() override {
         SetTraceTarget(&files, &clock, {u"marker", u"out"});
@@ -40,12 +27,6 @@ class PrinterSettingsTest : public ::testing::Test {
     }
     void TearDown() override { SetTraceTarget(nullptr, nullptr); }
 
-    MemoryRegistry registry;
-    MemorySpooler spooler;
-    MemoryFileSystem files;
-    ManualClock clock;
-    MemoryCommandChannel monitor;
-    Platform p{registry, spooler, files, clock, monitor};
     MemorySpooler::Printer* printer = nullptr;
 };
 

@@ -6,7 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "channel/printer_queries.h"
 #include "devmode/devmode.h"
+#include "platform/win32/win32_platform.h"
+#include "store/registry_layout.h"
+#include "tools/winhost/sim_control.h"
 #include "platform/bytes.h"
 #include "platform/text.h"
 #include "tools/winhost/driver_install.h"
@@ -46,6 +50,53 @@ void DumpRecord(const std::vector<std::uint8_t>& record) {
                 Narrow(ReadUtf16Field(r, priv + 3188 + 2072, 256)).c_str());
 }
 
+std::string Hex(const std::uint8_t* b, std::size_t n) {
+    std::string s;
+    char part[4];
+    for (std::size_t i = 0; i < n; ++i) {
+        std::snprintf(part, sizeof part, "%02X", b[i]);
+        s += part;
+    }
+    return s;
+}
+
+// What the driver learns of the printer through the port monitor's command entry and the
+// port's registry values.
+void ShowPrinter(const std::wstring& port) {
+    using namespace kx20;
+    Win32Platform platform;
+    const std::u16string printer = u"KX20";
+    store::ConnectionStatus status;
+    std::u16string portName = store::PrinterPortName(platform.ports, printer);
+    if (!store::GetConnectionStatus(platform.ports, portName, status)) {
+        std::printf("  no connection status for port %s\n", Narrow(portName).c_str());
+        return;
+    }
+    std::printf("  connection status: %s, model %u, firmware level 0x%02X, identity \"%s\"\n",
+                status.connected ? "connected" : "not connected", status.modelCode,
+                status.firmwareLevel, Narrow(status.identity).c_str());
+    std::printf("  port type: %s\n", store::IsSerialConnection(platform.ports, portName) ? "serial" : "USB");
+    std::uint8_t setup[2] = {};
+    if (channel::OutGetPrinterSetup(platform.ports, printer, setup))
+        std::printf("  printer setup %s, flash %s\n", Hex(setup, 2).c_str(),
+                    channel::IsFlashWritable(platform.ports, printer) ? "writable" : "write-protected");
+    struct Area {
+        const char* name;
+        bool (*query)(Platform&, bool, std::u16string_view, std::uint8_t*);
+    };
+    const Area areas[] = {{"logos", channel::GetLogosCRC},
+                          {"messages", channel::GetMessagesCRC},
+                          {"single-byte thermal fonts", channel::GetSBCSThermalCRC}};
+    for (const Area& a : areas) {
+        std::uint8_t crc[4] = {};
+        bool ok = a.query(platform.ports, status.connected, printer, crc);
+        std::printf("  checksum of %-26s %s\n", a.name, ok ? Hex(crc, 4).c_str() : "(not available)");
+    }
+    std::printf("  ready for double-byte fonts: %s\n",
+                channel::IsHaldenPrinterDBCSReady(platform.ports, printer) ? "yes" : "no");
+    (void)port;
+}
+
 }  // namespace
 
 int wmain() {
@@ -83,5 +134,19 @@ int wmain() {
     DumpRecord(record);
 
     ClosePrinter(printer);
+
+    Section("The printer, through kvorsmon.dll (the simulated KX20)");
+    kx20::winhost::SimulatedPrinterControl sim(port);
+    if (!sim.Loaded()) {
+        std::printf("  kvorsmon.dll is not installed\n");
+        return 1;
+    }
+    // A fresh printer for every run, so that the log below is this run's own.
+    sim.Control(L"reset");
+    sim.Control(L"clearlog");
+    sim.Control(L"connect");
+    ShowPrinter(port);
+    Section("The simulated printer's own view");
+    std::printf("%ls", sim.Describe().c_str());
     return rc == IDOK && size == 6004 ? 0 : 1;
 }
