@@ -8,7 +8,8 @@ MonitorOperation::MonitorOperation(Platform& p, std::u16string_view printerName)
     : printerName_(printerName) {
     session_ = p.monitor.Load(loadStatus_, loadError_);
     // Without the monitor there is nothing to send to, so the port is not looked up.
-    if (session_) portName_ = store::PrinterPortName(p, printerName);
+    if (session_)
+        portName_ = store::PrinterPortName(p, printerName);
 }
 
 CommandResult MonitorOperation::NotLoaded() const {
@@ -19,10 +20,10 @@ CommandResult MonitorOperation::NotLoaded() const {
     return r;
 }
 
-CommandResult MonitorOperation::Send(ByteSpan command, bool passPrinterName,
-                                     MonitorReply& reply) {
+CommandResult MonitorOperation::Send(ByteSpan command, bool passPrinterName, MonitorReply& reply) {
     reply = MonitorReply{};
-    if (!session_) return NotLoaded();
+    if (!session_)
+        return NotLoaded();
     CommandResult r;
     r.code = session_->Send(portName_, passPrinterName ? &printerName_ : nullptr, command, reply);
     r.status = r.code == 0 ? CommandStatus::Ok : CommandStatus::Failed;
@@ -34,8 +35,8 @@ CommandResult MonitorOperation::Send(ByteSpan command, bool passPrinterName) {
     return Send(command, passPrinterName, ignored);
 }
 
-CommandResult SendPrinterCommand(Platform& p, std::u16string_view printerName,
-                                 bool passPrinterName, ByteSpan command, MonitorReply& reply) {
+CommandResult SendPrinterCommand(Platform& p, std::u16string_view printerName, bool passPrinterName,
+                                 ByteSpan command, MonitorReply& reply) {
     MonitorOperation op(p, printerName);
     return op.Send(command, passPrinterName, reply);
 }

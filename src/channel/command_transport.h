@@ -30,7 +30,7 @@ struct CommandResult {
 // then looks up the printer's port; the module is released when the operation ends. Several
 // commands may be sent while it lives.
 class MonitorOperation {
-public:
+  public:
     MonitorOperation(Platform& p, std::u16string_view printerName);
     MonitorOperation(const MonitorOperation&) = delete;
     MonitorOperation& operator=(const MonitorOperation&) = delete;
@@ -44,7 +44,7 @@ public:
     // The same, for commands whose reply is not read.
     CommandResult Send(ByteSpan command, bool passPrinterName);
 
-private:
+  private:
     CommandResult NotLoaded() const;
 
     std::u16string printerName_;
@@ -55,8 +55,8 @@ private:
 };
 
 // One command in an operation of its own: load, look up the port, send, release.
-CommandResult SendPrinterCommand(Platform& p, std::u16string_view printerName,
-                                 bool passPrinterName, ByteSpan command, MonitorReply& reply);
+CommandResult SendPrinterCommand(Platform& p, std::u16string_view printerName, bool passPrinterName,
+                                 ByteSpan command, MonitorReply& reply);
 
 // True when the monitor stated a non-zero reply length, handed a buffer back, and that buffer
 // holds at least the `bytes` bytes the caller copies out of it. A reply shorter than what is

@@ -16,8 +16,8 @@ namespace kx20::channel {
 
 // What the job carries; selects the job's document name from the resource strings.
 enum class JobKind : std::uint32_t {
-    Logo = 1,             // "... %d" formatted with the logo number
-    Message = 2,          // "... %d" formatted with the message number
+    Logo = 1,     // "... %d" formatted with the logo number
+    Message = 2,  // "... %d" formatted with the message number
     SingleByteFont = 3,
     DoubleByteFont = 4,
 };

@@ -38,7 +38,8 @@ bool ReadChecksum(Platform& p, bool online, std::u16string_view printerName, std
         MonitorReply reply;
         if (SendPrinterCommand(p, printerName, false, command, reply).ok()) {
             answer = ReplyHolds(reply, 4);
-            if (answer) std::memcpy(out, reply.data.data(), 4);
+            if (answer)
+                std::memcpy(out, reply.data.data(), 4);
         }
         return answer;
     }
@@ -56,10 +57,10 @@ bool ReadChecksum(Platform& p, bool online, std::u16string_view printerName, std
 
 // One operation erasing `areas` in order with the printer name passed; the same buffer is
 // rewritten in its area byte between the commands.
-bool EraseAreas(Platform& p, std::u16string_view printerName,
-                std::span<const std::uint8_t> areas) {
+bool EraseAreas(Platform& p, std::u16string_view printerName, std::span<const std::uint8_t> areas) {
     MonitorOperation op(p, printerName);
-    if (!op.Loaded()) return false;
+    if (!op.Loaded())
+        return false;
     std::uint8_t command[2] = {kCmdErase, 0};
     bool all = true;
     for (std::uint8_t area : areas) {
@@ -106,24 +107,28 @@ bool OutGetPrinterSetup(Platform& p, std::u16string_view printerName, std::uint8
     MonitorReply reply;
     const bool ok =
         SendPrinterCommand(p, printerName, false, command, reply).ok() && ReplyHolds(reply, 2);
-    if (ok && out) std::memcpy(out, reply.data.data(), 2);
+    if (ok && out)
+        std::memcpy(out, reply.data.data(), 2);
     DrvTrace(u"<- OutGetPrinterSetup returns %d\n", ok ? 1 : 0);
     return ok;
 }
 
 bool IsFlashWritable(Platform& p, std::u16string_view printerName) {
     std::uint8_t setup[2] = {};
-    if (!OutGetPrinterSetup(p, printerName, setup)) return true;
+    if (!OutGetPrinterSetup(p, printerName, setup))
+        return true;
     return (setup[1] & kSetupWriteProtect) == 0;
 }
 
 bool OutSetFlashWritable(Platform& p, std::u16string_view printerName, bool enable) {
     std::uint8_t setup[2] = {};
-    if (!OutGetPrinterSetup(p, printerName, setup)) return false;
+    if (!OutGetPrinterSetup(p, printerName, setup))
+        return false;
     setup[1] = enable ? kSetupWritable : kSetupProtected;
 
     MonitorOperation op(p, printerName);
-    if (!op.Loaded()) return false;
+    if (!op.Loaded())
+        return false;
     std::uint8_t command[4] = {kCmdWriteValue, kValuePrinterSetup, setup[0], setup[1]};
     const bool written = op.Send(command, false).ok();
     // The printer takes the new setup over only after the port type's own follow-up command,
@@ -146,8 +151,7 @@ bool OutEraseAllSectors(Platform& p, std::u16string_view printerName, std::uint3
     return EraseAreas(p, printerName, std::span(all, count));
 }
 
-bool OutEraseAllFontSectors(Platform& p, std::u16string_view printerName,
-                            std::uint32_t modelCode) {
+bool OutEraseAllFontSectors(Platform& p, std::u16string_view printerName, std::uint32_t modelCode) {
     DrvTrace(u"-> OutEraseAllFontSectors\n");
     const std::uint8_t fonts[] = {kAreaFonts, kAreaSbcsThermal, kAreaDbcsThermal};
     const std::size_t count = store::HasDbcsArea(modelCode) ? 3 : 2;
@@ -209,8 +213,7 @@ bool GetMctValueFromPrinter(Platform& p, std::u16string_view printerName, std::u
                      r.code);
             break;
     }
-    DrvTrace(u"<- GetMCTValueFromPrinter(%d) - 0x%04x\n", entry,
-             ReadU16(ByteSpan(out, 2), 0));
+    DrvTrace(u"<- GetMCTValueFromPrinter(%d) - 0x%04x\n", entry, ReadU16(ByteSpan(out, 2), 0));
     return ok;
 }
 

@@ -34,8 +34,7 @@ bool GetLogosCRC(Platform& p, bool online, std::u16string_view printerName, std:
 // Unlike the others this one answers true unless the printer answered with no checksum: a
 // monitor that cannot be loaded, a failed command or a missing stored copy leave `out`
 // untouched and still answer true.
-bool GetMessagesCRC(Platform& p, bool online, std::u16string_view printerName,
-                    std::uint8_t out[4]);
+bool GetMessagesCRC(Platform& p, bool online, std::u16string_view printerName, std::uint8_t out[4]);
 bool GetSBCSThermalCRC(Platform& p, bool online, std::u16string_view printerName,
                        std::uint8_t out[4]);
 // Area 6 when `thermal`, else area 7.
@@ -58,8 +57,7 @@ bool OutMaintenanceCommand(Platform& p, std::u16string_view printerName);
 // the models that have one), or only the font areas. Every command is sent even after one
 // fails; the answer is false if any failed.
 bool OutEraseAllSectors(Platform& p, std::u16string_view printerName, std::uint32_t modelCode);
-bool OutEraseAllFontSectors(Platform& p, std::u16string_view printerName,
-                            std::uint32_t modelCode);
+bool OutEraseAllFontSectors(Platform& p, std::u16string_view printerName, std::uint32_t modelCode);
 
 // Serial reset first, else buffered, else immediate; always waits kResetWaitMs afterwards.
 void ResetKX20Printer(Platform& p, bool serial, bool buffered, std::u16string_view printerName,

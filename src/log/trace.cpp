@@ -24,7 +24,8 @@ bool WriteText(FileHandle& file, std::string_view text) {
     std::string out;
     out.reserve(text.size() + 16);
     for (char c : text) {
-        if (c == '\n') out.push_back('\r');
+        if (c == '\n')
+            out.push_back('\r');
         out.push_back(c);
     }
     return file.Write(ByteSpan(reinterpret_cast<const std::uint8_t*>(out.data()), out.size()));
@@ -41,7 +42,8 @@ std::string TimeStamp(Clock& clock) {
 // The narrow form has room for 260 bytes; the rest of a longer message is lost.
 std::string NarrowMessage(std::u16string_view text) {
     std::string narrow = Utf16ToAnsi(text);
-    if (narrow.size() > kTraceNarrowBytes) narrow.resize(kTraceNarrowBytes);
+    if (narrow.size() > kTraceNarrowBytes)
+        narrow.resize(kTraceNarrowBytes);
     return narrow;
 }
 
@@ -61,11 +63,14 @@ void SetTraceTarget(FileSystem* files, Clock* clock, TracePaths paths) {
 
 void DrvTraceArgs(std::u16string_view format, std::span<const FormatArg> args) {
     TraceTarget& t = Target();
-    if (!t.files || !t.clock || !t.files->Exists(t.paths.marker)) return;
+    if (!t.files || !t.clock || !t.files->Exists(t.paths.marker))
+        return;
     auto file = t.files->Open(t.paths.output, OpenMode::AppendOrCreate, ShareMode::ReadWrite);
-    if (!file) return;
+    if (!file)
+        return;
     std::u16string message;
-    if (!FormatTo(message, format, args, kTraceMessageChars)) return;
+    if (!FormatTo(message, format, args, kTraceMessageChars))
+        return;
     std::string line = TimeStamp(*t.clock) + " - U: " + NarrowMessage(message);
     WriteText(*file, line);
     file->Flush();
@@ -73,9 +78,11 @@ void DrvTraceArgs(std::u16string_view format, std::span<const FormatArg> args) {
 
 std::uint32_t DrvTraceData(std::u16string_view text, ByteSpan data) {
     TraceTarget& t = Target();
-    if (!t.files || !t.clock || !t.files->Exists(t.paths.marker)) return 1;
+    if (!t.files || !t.clock || !t.files->Exists(t.paths.marker))
+        return 1;
     auto file = t.files->Open(t.paths.output, OpenMode::AppendOrCreate, ShareMode::ReadWrite);
-    if (!file) return 2;
+    if (!file)
+        return 2;
     const std::string stamp = TimeStamp(*t.clock);
     const std::string prefix = stamp + " - Data:  ";
     std::string out = stamp + " - " + NarrowMessage(text) + "\n" + prefix;
@@ -84,7 +91,8 @@ std::uint32_t DrvTraceData(std::u16string_view text, ByteSpan data) {
         std::snprintf(hex, sizeof hex, "%02x.", data[i]);
         out += hex;
         // The break test follows the byte, so the first line holds 26 bytes and later ones 25.
-        if (i != 0 && i % 25 == 0) out += "\n" + prefix;
+        if (i != 0 && i % 25 == 0)
+            out += "\n" + prefix;
     }
     out += "\n";
     bool ok = WriteText(*file, out);

@@ -6,7 +6,8 @@ std::u16string ReadUtf16Field(ByteSpan b, std::size_t off, std::size_t maxUnits)
     std::u16string out;
     for (std::size_t i = 0; i < maxUnits && FitsIn(b.size(), off + 2 * i, 2); ++i) {
         char16_t c = static_cast<char16_t>(ReadU16(b, off + 2 * i));
-        if (c == 0) break;
+        if (c == 0)
+            break;
         out.push_back(c);
     }
     return out;

@@ -23,29 +23,35 @@ inline bool FitsIn(std::size_t size, std::size_t offset, std::size_t length) {
 }
 
 inline std::uint16_t ReadU16(ByteSpan b, std::size_t off) {
-    if (!FitsIn(b.size(), off, 2)) return 0;
+    if (!FitsIn(b.size(), off, 2))
+        return 0;
     return static_cast<std::uint16_t>(b[off] | (b[off + 1] << 8));
 }
 
 inline std::uint32_t ReadU32(ByteSpan b, std::size_t off) {
-    if (!FitsIn(b.size(), off, 4)) return 0;
+    if (!FitsIn(b.size(), off, 4))
+        return 0;
     return static_cast<std::uint32_t>(b[off]) | (static_cast<std::uint32_t>(b[off + 1]) << 8) |
            (static_cast<std::uint32_t>(b[off + 2]) << 16) |
            (static_cast<std::uint32_t>(b[off + 3]) << 24);
 }
 
 inline void WriteU16(MutableByteSpan b, std::size_t off, std::uint16_t v) {
-    if (!FitsIn(b.size(), off, 2)) return;
+    if (!FitsIn(b.size(), off, 2))
+        return;
     b[off] = static_cast<std::uint8_t>(v);
     b[off + 1] = static_cast<std::uint8_t>(v >> 8);
 }
 
 inline void WriteU32(MutableByteSpan b, std::size_t off, std::uint32_t v) {
-    if (!FitsIn(b.size(), off, 4)) return;
+    if (!FitsIn(b.size(), off, 4))
+        return;
     for (int i = 0; i < 4; ++i) b[off + i] = static_cast<std::uint8_t>(v >> (8 * i));
 }
 
-inline void AppendU8(Bytes& out, std::uint8_t v) { out.push_back(v); }
+inline void AppendU8(Bytes& out, std::uint8_t v) {
+    out.push_back(v);
+}
 
 inline void AppendU16(Bytes& out, std::uint16_t v) {
     out.push_back(static_cast<std::uint8_t>(v));
@@ -56,7 +62,9 @@ inline void AppendU32(Bytes& out, std::uint32_t v) {
     for (int i = 0; i < 4; ++i) out.push_back(static_cast<std::uint8_t>(v >> (8 * i)));
 }
 
-inline void AppendBytes(Bytes& out, ByteSpan b) { out.insert(out.end(), b.begin(), b.end()); }
+inline void AppendBytes(Bytes& out, ByteSpan b) {
+    out.insert(out.end(), b.begin(), b.end());
+}
 
 inline Bytes U32Bytes(std::uint32_t v) {
     Bytes b;

@@ -13,7 +13,7 @@
 namespace kx20 {
 
 class FileHandle {
-public:
+  public:
     virtual ~FileHandle() = default;  // closes
     // Reads up to buf.size() bytes at the current position; `*got` receives the count.
     virtual bool Read(MutableByteSpan buf, std::size_t* got) = 0;
@@ -31,7 +31,7 @@ enum class OpenMode {
 enum class ShareMode { None, Read, ReadWrite };
 
 class FileSystem {
-public:
+  public:
     virtual ~FileSystem() = default;
     // A file-status query: true when something exists at the path.
     virtual bool Exists(std::u16string_view path) = 0;
@@ -52,7 +52,7 @@ struct LocalTime {
 };
 
 class Clock {
-public:
+  public:
     virtual ~Clock() = default;
     virtual LocalTime Now() = 0;
     virtual void Sleep(std::uint32_t milliseconds) = 0;

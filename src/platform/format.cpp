@@ -26,7 +26,8 @@ void Pad(std::u16string& out, std::u16string_view body, const Directive& d, bool
     } else if (d.zero && allowZero) {
         // Zeros go after the sign or the 0x prefix.
         std::size_t prefix = 0;
-        if (!body.empty() && (body[0] == u'-' || body[0] == u'+' || body[0] == u' ')) prefix = 1;
+        if (!body.empty() && (body[0] == u'-' || body[0] == u'+' || body[0] == u' '))
+            prefix = 1;
         if (body.size() >= prefix + 2 && body[prefix] == u'0' &&
             (body[prefix + 1] == u'x' || body[prefix + 1] == u'X'))
             prefix += 2;
@@ -72,10 +73,12 @@ bool FormatInteger(std::u16string& out, char16_t conv, const Directive& d, const
     std::u16string digits = Digits(magnitude, base, conv == u'X' || conv == u'p');
     std::size_t minDigits = conv == u'p' ? 16 : 1;
     if (d.precision >= 0) {
-        if (d.precision == 0 && magnitude == 0) digits.clear();
+        if (d.precision == 0 && magnitude == 0)
+            digits.clear();
         minDigits = static_cast<std::size_t>(d.precision);
     }
-    if (digits.size() < minDigits) digits = std::u16string(minDigits - digits.size(), u'0') + digits;
+    if (digits.size() < minDigits)
+        digits = std::u16string(minDigits - digits.size(), u'0') + digits;
     std::u16string body;
     if (negative)
         body = u"-";
@@ -85,7 +88,8 @@ bool FormatInteger(std::u16string& out, char16_t conv, const Directive& d, const
         body = u" ";
     if (d.alt && magnitude != 0 && (conv == u'x' || conv == u'X'))
         body += conv == u'x' ? u"0x" : u"0X";
-    if (d.alt && conv == u'o' && (digits.empty() || digits[0] != u'0')) body += u"0";
+    if (d.alt && conv == u'o' && (digits.empty() || digits[0] != u'0'))
+        body += u"0";
     body += digits;
     Pad(out, body, d, d.precision < 0);
     return true;
@@ -194,7 +198,8 @@ bool FormatTo(std::u16string& out, std::u16string_view fmt, std::span<const Form
                 ok = false;
         }
     }
-    if (ok && next != args.size()) ok = false;
+    if (ok && next != args.size())
+        ok = false;
     if (maxChars != SIZE_MAX && out.size() > maxChars - 1) {
         out.resize(maxChars == 0 ? 0 : maxChars - 1);
         return false;

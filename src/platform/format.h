@@ -16,7 +16,7 @@
 namespace kx20 {
 
 class FormatArg {
-public:
+  public:
     enum class Kind { Signed, Unsigned, Wide, Narrow };
 
     template <class T, std::enable_if_t<std::is_integral_v<T> && std::is_signed_v<T>, int> = 0>
@@ -37,7 +37,7 @@ public:
     std::u16string_view wide() const { return wide_; }
     std::string_view narrow() const { return narrow_; }
 
-private:
+  private:
     Kind kind_;
     std::int64_t int_ = 0;
     std::u16string_view wide_;

@@ -24,7 +24,7 @@ enum class MonitorLoad { Loaded, LibraryMissing, EntryMissing };
 
 // The monitor module while it is loaded; destroying it releases the module.
 class MonitorSession {
-public:
+  public:
     virtual ~MonitorSession() = default;
     // One call of the command entry. `printerName` may be null. Answers the entry's result
     // (0 = success).
@@ -33,12 +33,11 @@ public:
 };
 
 class CommandChannel {
-public:
+  public:
     virtual ~CommandChannel() = default;
     // Loads the monitor module and finds its command entry. On failure `status` tells which
     // step failed, `lastError` holds the system error code, and the result is null.
-    virtual std::unique_ptr<MonitorSession> Load(MonitorLoad& status,
-                                                 std::uint32_t& lastError) = 0;
+    virtual std::unique_ptr<MonitorSession> Load(MonitorLoad& status, std::uint32_t& lastError) = 0;
 };
 
 }  // namespace kx20

@@ -42,7 +42,7 @@ struct AccessEntry {
 };
 
 class RegistryKey {
-public:
+  public:
     virtual ~RegistryKey() = default;  // closes the key
 
     // As the system's value query: `data` may be null to learn the size; `*size` holds the
@@ -57,7 +57,7 @@ public:
 };
 
 class Registry {
-public:
+  public:
     virtual ~Registry() = default;
     // Opens an existing key; null when it does not exist or the access is refused.
     virtual std::unique_ptr<RegistryKey> OpenKey(Hive hive, std::u16string_view path,

@@ -21,7 +21,8 @@ std::optional<std::u16string> BuiltinStrings::Load(std::uint32_t id) {
     for (const Entry& e : kStrings) {
         if (e.id == id) {
             std::u16string s(e.text);
-            if (s.size() >= kResourceStringChars) s.resize(kResourceStringChars - 1);
+            if (s.size() >= kResourceStringChars)
+                s.resize(kResourceStringChars - 1);
             return s;
         }
     }

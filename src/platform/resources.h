@@ -11,7 +11,7 @@ namespace kx20 {
 inline constexpr std::size_t kResourceStringChars = 256;
 
 class ResourceStrings {
-public:
+  public:
     virtual ~ResourceStrings() = default;
     // At most 255 characters; nullopt when the module has no such string or is not loaded.
     virtual std::optional<std::u16string> Load(std::uint32_t id) = 0;
@@ -19,7 +19,7 @@ public:
 
 // The English string table compiled into the core (res/strings_en.inc).
 class BuiltinStrings : public ResourceStrings {
-public:
+  public:
     std::optional<std::u16string> Load(std::uint32_t id) override;
 };
 

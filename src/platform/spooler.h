@@ -97,14 +97,14 @@ struct JobChanges {
 // A watch on the job changes of one printer. Wait blocks until the next change and reports it;
 // it answers false when the watch itself has broken and no change can come any more.
 class JobWatch {
-public:
+  public:
     virtual ~JobWatch() = default;
     virtual bool Wait(JobChanges& changes) = 0;
 };
 
 // One printer opened in the spooler; destroying it closes the handle.
 class SpoolerPrinter {
-public:
+  public:
     virtual ~SpoolerPrinter() = default;
 
     virtual bool GetPrinter(std::uint32_t level, PrinterInfo& info) = 0;
@@ -136,7 +136,7 @@ public:
 };
 
 class Spooler {
-public:
+  public:
     virtual ~Spooler() = default;
     // Null when the printer cannot be opened with that access; LastError tells why.
     virtual std::unique_ptr<SpoolerPrinter> OpenPrinter(std::u16string_view name,

@@ -14,12 +14,14 @@ constexpr std::array<char16_t, 32> kCp1252High = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
 
 char16_t AnsiUnit(unsigned char c) {
-    if (c >= 0x80 && c <= 0x9F && kCp1252High[c - 0x80] != 0) return kCp1252High[c - 0x80];
+    if (c >= 0x80 && c <= 0x9F && kCp1252High[c - 0x80] != 0)
+        return kCp1252High[c - 0x80];
     return c;
 }
 
 char AnsiByte(char16_t u) {
-    if (u < 0x80 || (u >= 0xA0 && u <= 0xFF)) return static_cast<char>(u);
+    if (u < 0x80 || (u >= 0xA0 && u <= 0xFF))
+        return static_cast<char>(u);
     for (std::size_t i = 0; i < kCp1252High.size(); ++i) {
         if (kCp1252High[i] == u || (kCp1252High[i] == 0 && u == 0x80 + i))
             return static_cast<char>(0x80 + i);
@@ -114,7 +116,8 @@ bool EndsWith(std::u16string_view s, std::u16string_view suffix) {
 std::u16string ToLowerAscii(std::u16string_view s) {
     std::u16string out(s);
     for (char16_t& c : out)
-        if (c >= u'A' && c <= u'Z') c = static_cast<char16_t>(c - u'A' + u'a');
+        if (c >= u'A' && c <= u'Z')
+            c = static_cast<char16_t>(c - u'A' + u'a');
     return out;
 }
 
@@ -122,6 +125,8 @@ bool EqualsIgnoreCase(std::u16string_view a, std::u16string_view b) {
     return a.size() == b.size() && ToLowerAscii(a) == ToLowerAscii(b);
 }
 
-std::u16string DecimalText(std::int64_t v) { return Utf8ToUtf16(std::to_string(v)); }
+std::u16string DecimalText(std::int64_t v) {
+    return Utf8ToUtf16(std::to_string(v));
+}
 
 }  // namespace kx20

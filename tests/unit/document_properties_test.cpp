@@ -11,10 +11,10 @@
 
 #include "log/trace.h"
 #include "platform/memory/memory_files.h"
-#include "tests/unit/trace_capture.h"
 #include "platform/memory/memory_monitor.h"
 #include "platform/memory/memory_registry.h"
 #include "platform/memory/memory_spooler.h"
+#include "tests/unit/trace_capture.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define KX20_TEST_ASAN 1
@@ -301,7 +301,6 @@ class HostileRecords : public ::testing::TestWithParam<std::size_t>, protected M
         LoadCurrentDefaults(p, u"KX20");
     }
     void TearDown() override { ResetCurrentDefaults(); }
-
 };
 
 struct HostileCase {

@@ -8,7 +8,7 @@ namespace {
 TEST(Format, IntegerConversionsFollowPrintf) {
     EXPECT_EQ(Format(u"<- OutGetPrinterSetup returns %d\n", 1),
               u"<- OutGetPrinterSetup returns 1\n");
-    EXPECT_EQ(Format(u"0x%08X|0x%08x|%04x|%02x", 0xABABCDCDu, 0x1234u, 0x2au, 7), 
+    EXPECT_EQ(Format(u"0x%08X|0x%08x|%04x|%02x", 0xABABCDCDu, 0x1234u, 0x2au, 7),
               u"0xABABCDCD|0x00001234|002a|07");
     // 32-bit unless told otherwise: an unsigned all-ones value prints as -1 through %d.
     EXPECT_EQ(Format(u"%d %u %ld", 0xFFFFFFFFu, -1, -5), u"-1 4294967295 -5");
@@ -36,9 +36,9 @@ TEST(Format, MismatchesFailWholeFormat) {
     const FormatArg number[] = {FormatArg(1)};
     EXPECT_FALSE(FormatTo(out, u"%d", text));
     EXPECT_FALSE(FormatTo(out, u"%s", number));
-    EXPECT_FALSE(FormatTo(out, u"%d %d", number));      // too few
-    EXPECT_FALSE(FormatTo(out, u"none", number));       // too many
-    EXPECT_FALSE(FormatTo(out, u"%q", number));         // unknown conversion
+    EXPECT_FALSE(FormatTo(out, u"%d %d", number));  // too few
+    EXPECT_FALSE(FormatTo(out, u"none", number));   // too many
+    EXPECT_FALSE(FormatTo(out, u"%q", number));     // unknown conversion
     EXPECT_FALSE(FormatTo(out, u"trailing %", {}));
     EXPECT_TRUE(FormatTo(out, u"%d", number));
 }

@@ -58,7 +58,6 @@ class PrinterQueries : public ::testing::Test, protected MemoryPlatform {
         const Bytes* b = files.Get(u"trace.out");
         return b && std::string(b->begin(), b->end()).find(text) != std::string::npos;
     }
-
 };
 
 struct ChecksumCase {

@@ -20,7 +20,7 @@ constexpr char16_t kPrinter[] = u"KX20";
 constexpr char16_t kPort[] = u"KX20_USB1";
 
 class PrinterRoundTrip : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         spooler_.AddPrinter(kPrinter, kPort);
         printer_.AttachRegistry(&registry_);

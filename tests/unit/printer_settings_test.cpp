@@ -10,10 +10,10 @@
 
 #include "log/trace.h"
 #include "platform/memory/memory_files.h"
-#include "tests/unit/trace_capture.h"
 #include "platform/memory/memory_monitor.h"
 #include "platform/memory/memory_registry.h"
 #include "platform/memory/memory_spooler.h"
+#include "tests/unit/trace_capture.h"
 
 namespace kx20 {
 namespace {

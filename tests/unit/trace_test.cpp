@@ -10,7 +10,7 @@ namespace kx20 {
 namespace {
 
 class Trace : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override { SetTraceTarget(&files, &clock, {u"marker", u"out"}); }
     void TearDown() override { SetTraceTarget(nullptr, nullptr); }
 

@@ -20,7 +20,7 @@ namespace {
 constexpr char16_t kPrinter[] = u"KX20";
 
 class PrinterChannel : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         ASSERT_TRUE(sim_.Loaded());
         ASSERT_EQ(sim_.Control(L"reset"), 0u);
@@ -41,7 +41,8 @@ protected:
 Bytes LogoBlock(std::uint8_t number, std::uint8_t widthBytes, std::uint8_t height8) {
     Bytes block(channel::kCommandStart.begin(), channel::kCommandStart.end());
     block.insert(block.end(), {0x0F, number, widthBytes, height8});
-    for (int i = 0; i < widthBytes * height8 * 8; ++i) block.push_back(static_cast<std::uint8_t>(i));
+    for (int i = 0; i < widthBytes * height8 * 8; ++i)
+        block.push_back(static_cast<std::uint8_t>(i));
     block.push_back(0xFF);
     return block;
 }

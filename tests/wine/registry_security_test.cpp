@@ -1,5 +1,6 @@
 // The access list the module stamps on its machine-wide keys, read back through the system.
 #include "platform/win32/windows_clean.h"
+
 #include <aclapi.h>
 #include <sddl.h>
 
@@ -17,7 +18,8 @@ namespace {
 
 std::wstring SidText(PSID sid) {
     LPWSTR text = nullptr;
-    if (!ConvertSidToStringSidW(sid, &text)) return L"?";
+    if (!ConvertSidToStringSidW(sid, &text))
+        return L"?";
     std::wstring s(text);
     LocalFree(text);
     return s;
@@ -39,8 +41,7 @@ TEST(RegistrySecurity, StampedKeyCarriesTheThreeTrustees) {
     DWORD size = 0;
     RegGetKeySecurity(key, DACL_SECURITY_INFORMATION, nullptr, &size);
     std::vector<std::uint8_t> sd(size);
-    ASSERT_EQ(RegGetKeySecurity(key, DACL_SECURITY_INFORMATION, sd.data(), &size),
-              ERROR_SUCCESS);
+    ASSERT_EQ(RegGetKeySecurity(key, DACL_SECURITY_INFORMATION, sd.data(), &size), ERROR_SUCCESS);
     RegCloseKey(key);
 
     BOOL present = FALSE, defaulted = FALSE;

@@ -24,8 +24,7 @@ TEST(SpoolerDevMode, OutputBufferIsFilledFromDefaults) {
     ASSERT_NE(printer.get(), nullptr);
     std::vector<std::uint8_t> out(6004, 0xEE);
     LONG rc = DocumentPropertiesW(nullptr, printer.get(), const_cast<LPWSTR>(kPrinterName),
-                                  reinterpret_cast<DEVMODEW*>(out.data()), nullptr,
-                                  DM_OUT_BUFFER);
+                                  reinterpret_cast<DEVMODEW*>(out.data()), nullptr, DM_OUT_BUFFER);
     EXPECT_EQ(rc, IDOK);
     ByteSpan record(out);
     EXPECT_EQ(ReadU16(record, kOffDmSize), 220);
@@ -46,10 +45,10 @@ TEST(SpoolerDevMode, CallerRecordIsCompletedFromDefaults) {
     WriteU32(in, kOffDmFields, DM_ORIENTATION);
     WriteU16(in, kOffDmOrientation, 2);
     std::vector<std::uint8_t> out(6004, 0);
-    LONG rc = DocumentPropertiesW(nullptr, printer.get(), const_cast<LPWSTR>(kPrinterName),
-                                  reinterpret_cast<DEVMODEW*>(out.data()),
-                                  reinterpret_cast<DEVMODEW*>(in.data()),
-                                  DM_IN_BUFFER | DM_OUT_BUFFER);
+    LONG rc =
+        DocumentPropertiesW(nullptr, printer.get(), const_cast<LPWSTR>(kPrinterName),
+                            reinterpret_cast<DEVMODEW*>(out.data()),
+                            reinterpret_cast<DEVMODEW*>(in.data()), DM_IN_BUFFER | DM_OUT_BUFFER);
     EXPECT_EQ(rc, IDOK);
     EXPECT_EQ(ReadU16(out, kOffDmOrientation), 2);
     EXPECT_EQ(ReadU16(out, kOffDmPaperSize), 259);
@@ -58,7 +57,7 @@ TEST(SpoolerDevMode, CallerRecordIsCompletedFromDefaults) {
 
 // The conversion entry, as the spooler's upgrade and point-and-print code calls it.
 class ConvertEntry : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         wchar_t folder[MAX_PATH] = {};
         DWORD needed = 0;
@@ -72,7 +71,8 @@ protected:
         ASSERT_NE(convert_, nullptr);
     }
     void TearDown() override {
-        if (module_) FreeLibrary(module_);
+        if (module_)
+            FreeLibrary(module_);
     }
     using Fn = BOOL(WINAPI*)(LPWSTR, DEVMODEW*, DEVMODEW*, LONG*, DWORD);
     HMODULE module_ = nullptr;

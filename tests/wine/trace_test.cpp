@@ -22,8 +22,8 @@ std::string ReadFileText(const wchar_t* path) {
 void AskForSize() {
     ScopedPrinter printer;
     ASSERT_NE(printer.get(), nullptr);
-    DocumentPropertiesW(nullptr, printer.get(), const_cast<LPWSTR>(kPrinterName), nullptr,
-                        nullptr, 0);
+    DocumentPropertiesW(nullptr, printer.get(), const_cast<LPWSTR>(kPrinterName), nullptr, nullptr,
+                        0);
 }
 
 TEST(DriverTrace, WrittenOnlyWhileMarkerExists) {

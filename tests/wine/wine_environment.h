@@ -14,12 +14,12 @@ const std::wstring& PortPath();
 
 // A printer handle for the test's printer, closed on destruction.
 class ScopedPrinter {
-public:
+  public:
     explicit ScopedPrinter(const wchar_t* name = kPrinterName);
     ~ScopedPrinter();
     HANDLE get() const { return h_; }
 
-private:
+  private:
     HANDLE h_ = nullptr;
 };
 

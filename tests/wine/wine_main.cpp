@@ -15,17 +15,19 @@ const std::wstring& PortPath() {
 }
 
 ScopedPrinter::ScopedPrinter(const wchar_t* name) {
-    if (!OpenPrinterW(const_cast<LPWSTR>(name), &h_, nullptr)) h_ = nullptr;
+    if (!OpenPrinterW(const_cast<LPWSTR>(name), &h_, nullptr))
+        h_ = nullptr;
 }
 
 ScopedPrinter::~ScopedPrinter() {
-    if (h_) ClosePrinter(h_);
+    if (h_)
+        ClosePrinter(h_);
 }
 
 namespace {
 
 class DriverEnvironment : public ::testing::Environment {
-public:
+  public:
     void SetUp() override {
         std::wstring error;
         ASSERT_TRUE(winhost::InstallDriver(&error)) << std::string(error.begin(), error.end());

@@ -8,32 +8,36 @@
 
 #include "channel/printer_queries.h"
 #include "devmode/devmode.h"
-#include "platform/win32/win32_platform.h"
-#include "store/registry_layout.h"
-#include "tools/winhost/sim_control.h"
 #include "platform/bytes.h"
 #include "platform/text.h"
+#include "platform/win32/win32_platform.h"
+#include "store/registry_layout.h"
 #include "tools/winhost/driver_install.h"
+#include "tools/winhost/sim_control.h"
 
 namespace {
 
 constexpr wchar_t kPrinter[] = L"KX20";
 
-void Section(const char* title) { std::printf("\n== %s\n", title); }
+void Section(const char* title) {
+    std::printf("\n== %s\n", title);
+}
 
-std::string Narrow(std::u16string_view s) { return kx20::Utf16ToUtf8(s); }
+std::string Narrow(std::u16string_view s) {
+    return kx20::Utf16ToUtf8(s);
+}
 
 void DumpRecord(const std::vector<std::uint8_t>& record) {
     using namespace kx20;
     ByteSpan r(record);
     std::printf("  dmDeviceName     %s\n", Narrow(ReadUtf16Field(r, kOffDmDeviceName, 32)).c_str());
-    std::printf("  dmSpecVersion    0x%04x   dmDriverVersion 0x%04x\n", ReadU16(r, kOffDmSpecVersion),
-                ReadU16(r, kOffDmDriverVersion));
+    std::printf("  dmSpecVersion    0x%04x   dmDriverVersion 0x%04x\n",
+                ReadU16(r, kOffDmSpecVersion), ReadU16(r, kOffDmDriverVersion));
     std::printf("  dmSize           %u      dmDriverExtra   %u\n", ReadU16(r, kOffDmSize),
                 ReadU16(r, kOffDmDriverExtra));
     std::printf("  dmFields         0x%08x\n", ReadU32(r, kOffDmFields));
-    std::printf("  dmOrientation    %d       dmPaperSize     %d\n", ReadDmShort(r, kOffDmOrientation),
-                ReadDmShort(r, kOffDmPaperSize));
+    std::printf("  dmOrientation    %d       dmPaperSize     %d\n",
+                ReadDmShort(r, kOffDmOrientation), ReadDmShort(r, kOffDmPaperSize));
     std::printf("  dmCopies         %d       dmPrintQuality  %d  dmYResolution %d\n",
                 ReadDmShort(r, kOffDmCopies), ReadDmShort(r, kOffDmPrintQuality),
                 ReadDmShort(r, kOffDmYResolution));
@@ -75,11 +79,13 @@ void ShowPrinter(const std::wstring& port) {
     std::printf("  connection status: %s, model %u, firmware level 0x%02X, identity \"%s\"\n",
                 status.connected ? "connected" : "not connected", status.modelCode,
                 status.firmwareLevel, Narrow(status.identity).c_str());
-    std::printf("  port type: %s\n", store::IsSerialConnection(platform.ports, portName) ? "serial" : "USB");
+    std::printf("  port type: %s\n",
+                store::IsSerialConnection(platform.ports, portName) ? "serial" : "USB");
     std::uint8_t setup[2] = {};
     if (channel::OutGetPrinterSetup(platform.ports, printer, setup))
-        std::printf("  printer setup %s, flash %s\n", Hex(setup, 2).c_str(),
-                    channel::IsFlashWritable(platform.ports, printer) ? "writable" : "write-protected");
+        std::printf(
+            "  printer setup %s, flash %s\n", Hex(setup, 2).c_str(),
+            channel::IsFlashWritable(platform.ports, printer) ? "writable" : "write-protected");
     struct Area {
         const char* name;
         bool (*query)(Platform&, bool, std::u16string_view, std::uint8_t*);
@@ -90,7 +96,8 @@ void ShowPrinter(const std::wstring& port) {
     for (const Area& a : areas) {
         std::uint8_t crc[4] = {};
         bool ok = a.query(platform.ports, status.connected, printer, crc);
-        std::printf("  checksum of %-26s %s\n", a.name, ok ? Hex(crc, 4).c_str() : "(not available)");
+        std::printf("  checksum of %-26s %s\n", a.name,
+                    ok ? Hex(crc, 4).c_str() : "(not available)");
     }
     std::printf("  ready for double-byte fonts: %s\n",
                 channel::IsHaldenPrinterDBCSReady(platform.ports, printer) ? "yes" : "no");
@@ -121,15 +128,15 @@ int wmain() {
     }
 
     Section("DocumentPropertiesW(mode 0): size of the driver's device mode");
-    LONG size = DocumentPropertiesW(nullptr, printer, const_cast<LPWSTR>(kPrinter), nullptr,
-                                    nullptr, 0);
+    LONG size =
+        DocumentPropertiesW(nullptr, printer, const_cast<LPWSTR>(kPrinter), nullptr, nullptr, 0);
     std::printf("  %ld bytes\n", size);
 
     Section("DocumentPropertiesW(DM_OUT_BUFFER): the default device mode");
     std::vector<std::uint8_t> record(size > 0 ? static_cast<std::size_t>(size) : 6004, 0);
-    LONG rc = DocumentPropertiesW(nullptr, printer, const_cast<LPWSTR>(kPrinter),
-                                  reinterpret_cast<DEVMODEW*>(record.data()), nullptr,
-                                  DM_OUT_BUFFER);
+    LONG rc =
+        DocumentPropertiesW(nullptr, printer, const_cast<LPWSTR>(kPrinter),
+                            reinterpret_cast<DEVMODEW*>(record.data()), nullptr, DM_OUT_BUFFER);
     std::printf("  result %ld\n", rc);
     DumpRecord(record);
 

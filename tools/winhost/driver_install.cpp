@@ -1,6 +1,5 @@
 #include "tools/winhost/driver_install.h"
 
-
 #include <cstdlib>
 #include <vector>
 
@@ -15,8 +14,10 @@ std::wstring ErrorText(const wchar_t* what) {
 bool CopyInto(const std::wstring& folder, const wchar_t* file, std::wstring* error) {
     std::wstring from = ProgramFolder() + file;
     std::wstring to = folder + L"\\" + file;
-    if (CopyFileW(from.c_str(), to.c_str(), FALSE)) return true;
-    if (error) *error = ErrorText((L"copying " + from).c_str());
+    if (CopyFileW(from.c_str(), to.c_str(), FALSE))
+        return true;
+    if (error)
+        *error = ErrorText((L"copying " + from).c_str());
     return false;
 }
 
@@ -42,7 +43,8 @@ bool InstallDriver(std::wstring* error) {
     DWORD needed = 0;
     if (!GetPrinterDriverDirectoryW(nullptr, const_cast<LPWSTR>(kEnvironment), 1,
                                     reinterpret_cast<LPBYTE>(folder), sizeof folder, &needed)) {
-        if (error) *error = ErrorText(L"GetPrinterDriverDirectoryW");
+        if (error)
+            *error = ErrorText(L"GetPrinterDriverDirectoryW");
         return false;
     }
     std::wstring driverFolder(folder);
@@ -76,9 +78,9 @@ bool InstallDriver(std::wstring* error) {
     info.pDefaultDataType = const_cast<LPWSTR>(L"RAW");
     if (!AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&info),
                              APD_COPY_NEW_FILES | APD_COPY_FROM_DIRECTORY)) {
-        if (!AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&info),
-                                 APD_COPY_NEW_FILES)) {
-            if (error) *error = ErrorText(L"AddPrinterDriverExW");
+        if (!AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&info), APD_COPY_NEW_FILES)) {
+            if (error)
+                *error = ErrorText(L"AddPrinterDriverExW");
             return false;
         }
     }
@@ -100,17 +102,19 @@ bool StoreDriverDefaultDevMode(const std::wstring& name, std::wstring* error) {
     const DWORD kDriverDefault = 4;  // CDM_DRIVER_DEFAULT
     // No printer name: the driver answers its built-in record.
     bool ok = convert && convert(const_cast<LPWSTR>(L""), nullptr,
-                                 reinterpret_cast<DEVMODEW*>(record.data()), &size,
-                                 kDriverDefault);
-    if (driver) FreeLibrary(driver);
+                                 reinterpret_cast<DEVMODEW*>(record.data()), &size, kDriverDefault);
+    if (driver)
+        FreeLibrary(driver);
     if (!ok) {
-        if (error) *error = ErrorText(L"DrvConvertDevMode");
+        if (error)
+            *error = ErrorText(L"DrvConvertDevMode");
         return false;
     }
     HANDLE printer = nullptr;
     PRINTER_DEFAULTSW access = {nullptr, nullptr, PRINTER_ALL_ACCESS};
     if (!OpenPrinterW(const_cast<LPWSTR>(name.c_str()), &printer, &access)) {
-        if (error) *error = ErrorText(L"OpenPrinterW");
+        if (error)
+            *error = ErrorText(L"OpenPrinterW");
         return false;
     }
     DWORD infoSize = 0;
@@ -123,7 +127,8 @@ bool StoreDriverDefaultDevMode(const std::wstring& name, std::wstring* error) {
         level2->pSecurityDescriptor = nullptr;
         ok = SetPrinterW(printer, 2, info.data(), 0);
     }
-    if (!ok && error) *error = ErrorText(L"storing the default device mode");
+    if (!ok && error)
+        *error = ErrorText(L"storing the default device mode");
     ClosePrinter(printer);
     return ok;
 }
@@ -142,7 +147,8 @@ bool AddKx20Printer(const std::wstring& name, const std::wstring& port, std::wst
     info.pDatatype = const_cast<LPWSTR>(L"RAW");
     HANDLE printer = AddPrinterW(nullptr, 2, reinterpret_cast<LPBYTE>(&info));
     if (!printer) {
-        if (error) *error = ErrorText(L"AddPrinterW");
+        if (error)
+            *error = ErrorText(L"AddPrinterW");
         return false;
     }
     ClosePrinter(printer);

@@ -6,7 +6,8 @@ namespace kx20::winhost {
 
 SimulatedPrinterControl::SimulatedPrinterControl(std::wstring port) : port_(std::move(port)) {
     module_ = LoadLibraryW(L"kvorsmon.dll");
-    if (!module_) return;
+    if (!module_)
+        return;
     control_ = reinterpret_cast<ControlFn>(
         reinterpret_cast<void*>(GetProcAddress(module_, "KX20SimControl")));
     describe_ = reinterpret_cast<DescribeFn>(
@@ -14,7 +15,8 @@ SimulatedPrinterControl::SimulatedPrinterControl(std::wstring port) : port_(std:
 }
 
 SimulatedPrinterControl::~SimulatedPrinterControl() {
-    if (module_) FreeLibrary(module_);
+    if (module_)
+        FreeLibrary(module_);
 }
 
 DWORD SimulatedPrinterControl::Control(const wchar_t* command) {
@@ -22,7 +24,8 @@ DWORD SimulatedPrinterControl::Control(const wchar_t* command) {
 }
 
 std::wstring SimulatedPrinterControl::Describe() {
-    if (!describe_) return L"(kvorsmon.dll not loaded)";
+    if (!describe_)
+        return L"(kvorsmon.dll not loaded)";
     DWORD length = describe_(port_.c_str(), nullptr, 0);
     std::vector<wchar_t> buf(length + 1);
     describe_(port_.c_str(), buf.data(), static_cast<DWORD>(buf.size()));

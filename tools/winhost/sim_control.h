@@ -9,7 +9,7 @@
 namespace kx20::winhost {
 
 class SimulatedPrinterControl {
-public:
+  public:
     explicit SimulatedPrinterControl(std::wstring port);
     ~SimulatedPrinterControl();
     SimulatedPrinterControl(const SimulatedPrinterControl&) = delete;
@@ -20,7 +20,7 @@ public:
     DWORD Control(const wchar_t* command);
     std::wstring Describe();
 
-private:
+  private:
     using ControlFn = DWORD(WINAPI*)(LPCWSTR, LPCWSTR);
     using DescribeFn = DWORD(WINAPI*)(LPCWSTR, LPWSTR, DWORD);
     std::wstring port_;

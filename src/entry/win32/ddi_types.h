@@ -2,8 +2,8 @@
 // laid out as the system passes them.
 #pragma once
 
-#include "platform/win32/windows_clean.h"
 #include <compstui.h>
+#include "platform/win32/windows_clean.h"
 
 namespace kx20 {
 

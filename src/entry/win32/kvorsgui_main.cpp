@@ -59,9 +59,11 @@ kx20::Win32Clock& TraceClock() {
 // A caller's device mode as the span it declares: its own dmSize + dmDriverExtra. Callers
 // hand only a pointer, so the declared extent is all there is to bound the record by.
 kx20::MutableByteSpan DeclaredRecord(DEVMODEW* dm) {
-    if (!dm) return {};
+    if (!dm)
+        return {};
     std::size_t size = static_cast<std::size_t>(dm->dmSize) + dm->dmDriverExtra;
-    if (size < kx20::kOffDmFields + 4) size = kx20::kOffDmFields + 4;
+    if (size < kx20::kOffDmFields + 4)
+        size = kx20::kOffDmFields + 4;
     return {reinterpret_cast<std::uint8_t*>(dm), size};
 }
 
@@ -80,11 +82,12 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
     return TRUE;
 }
 
-extern "C" __declspec(dllexport) LONG WINAPI DrvDocumentPropertySheets(PROPSHEETUI_INFO* info,
-                                                                      LPARAM lParam) {
+extern "C" __declspec(dllexport) LONG WINAPI
+    DrvDocumentPropertySheets(PROPSHEETUI_INFO* info, LPARAM lParam) {
     using namespace kx20;
     auto* header = reinterpret_cast<DocumentPropertyHeader*>(info ? info->lParamInit : lParam);
-    if (!header) return -1;
+    if (!header)
+        return -1;
     std::u16string printerName = TraceDocumentCall(
         static_cast<std::uint32_t>(lParam), info != nullptr, FromWide(header->pszPrinterName),
         Low32(header->pdmIn), Low32(header->pdmOut));
@@ -107,30 +110,35 @@ extern "C" __declspec(dllexport) LONG WINAPI DrvDocumentPropertySheets(PROPSHEET
     return result;
 }
 
-extern "C" __declspec(dllexport) BOOL WINAPI DrvConvertDevMode(LPWSTR printerName, DEVMODEW*,
-                                                              DEVMODEW* out, LONG* size,
-                                                              DWORD mode) {
+extern "C" __declspec(dllexport) BOOL WINAPI
+    DrvConvertDevMode(LPWSTR printerName, DEVMODEW*, DEVMODEW* out, LONG* size, DWORD mode) {
     using namespace kx20;
     Win32Platform platform;
     std::int32_t inOut = size ? *size : 0;
     MutableByteSpan outSpan;
-    if (out && inOut > 0) outSpan = {reinterpret_cast<std::uint8_t*>(out), static_cast<std::size_t>(inOut)};
+    if (out && inOut > 0)
+        outSpan = {reinterpret_cast<std::uint8_t*>(out), static_cast<std::size_t>(inOut)};
     std::uint32_t lastError = 0;
-    bool ok = ConvertDevModeCore(platform.ports, FromWide(printerName), outSpan, inOut, mode,
-                                 lastError);
-    if (size) *size = inOut;
-    if (!ok) SetLastError(lastError);
+    bool ok =
+        ConvertDevModeCore(platform.ports, FromWide(printerName), outSpan, inOut, mode, lastError);
+    if (size)
+        *size = inOut;
+    if (!ok)
+        SetLastError(lastError);
     return ok ? TRUE : FALSE;
 }
 
-extern "C" __declspec(dllexport) BOOL WINAPI DevQueryPrintEx(void*) { return TRUE; }
+extern "C" __declspec(dllexport) BOOL WINAPI DevQueryPrintEx(void*) {
+    return TRUE;
+}
 
 // Forwarded to the system's implementation in the spooler's client library.
-extern "C" __declspec(dllexport) BOOL WINAPI DevQueryPrint(HANDLE printer, DEVMODEW* devMode,
-                                                          DWORD* resourceId) {
+extern "C" __declspec(dllexport) BOOL WINAPI
+    DevQueryPrint(HANDLE printer, DEVMODEW* devMode, DWORD* resourceId) {
     using Fn = BOOL(WINAPI*)(HANDLE, DEVMODEW*, DWORD*);
     HMODULE spool = LoadLibraryW(L"winspool.drv");
-    if (!spool) return FALSE;
+    if (!spool)
+        return FALSE;
     auto fn = reinterpret_cast<Fn>(reinterpret_cast<void*>(GetProcAddress(spool, "DevQueryPrint")));
     BOOL result = fn ? fn(printer, devMode, resourceId) : FALSE;
     FreeLibrary(spool);

@@ -10,28 +10,33 @@ namespace kx20 {
 namespace {
 
 class MemoryFile : public FileHandle {
-public:
-    MemoryFile(Bytes& data, bool append) : data_(data), pos_(append ? data.size() : 0),
-                                           append_(append) {}
+  public:
+    MemoryFile(Bytes& data, bool append)
+        : data_(data), pos_(append ? data.size() : 0), append_(append) {}
 
     bool Read(MutableByteSpan buf, std::size_t* got) override {
         std::size_t n = pos_ < data_.size() ? std::min(buf.size(), data_.size() - pos_) : 0;
-        if (n) std::memcpy(buf.data(), data_.data() + pos_, n);
+        if (n)
+            std::memcpy(buf.data(), data_.data() + pos_, n);
         pos_ += n;
-        if (got) *got = n;
+        if (got)
+            *got = n;
         return true;
     }
     bool Write(ByteSpan d) override {
-        if (append_) pos_ = data_.size();
-        if (data_.size() < pos_ + d.size()) data_.resize(pos_ + d.size());
-        if (!d.empty()) std::memcpy(data_.data() + pos_, d.data(), d.size());
+        if (append_)
+            pos_ = data_.size();
+        if (data_.size() < pos_ + d.size())
+            data_.resize(pos_ + d.size());
+        if (!d.empty())
+            std::memcpy(data_.data() + pos_, d.data(), d.size());
         pos_ += d.size();
         return true;
     }
     std::optional<std::uint64_t> Size() override { return data_.size(); }
     bool Flush() override { return true; }
 
-private:
+  private:
     Bytes& data_;
     std::size_t pos_;
     bool append_;
@@ -74,7 +79,8 @@ bool MemoryFileSystem::Remove(std::u16string_view path) {
 
 bool MemoryFileSystem::Rename(std::u16string_view from, std::u16string_view to) {
     auto it = files_.find(ToLowerAscii(from));
-    if (it == files_.end() || files_.count(ToLowerAscii(to))) return false;
+    if (it == files_.end() || files_.count(ToLowerAscii(to)))
+        return false;
     Bytes data = std::move(it->second);
     files_.erase(it);
     files_[ToLowerAscii(to)] = std::move(data);

@@ -10,7 +10,7 @@
 namespace kx20 {
 
 class MemoryFileSystem : public FileSystem {
-public:
+  public:
     bool Exists(std::u16string_view path) override;
     std::unique_ptr<FileHandle> Open(std::u16string_view path, OpenMode mode,
                                      ShareMode share) override;
@@ -31,14 +31,14 @@ public:
     std::u16string tempFolder = u"C:\\TEMP\\";
     std::u16string windowsFolder = u"C:\\WINDOWS";
 
-private:
+  private:
     std::map<std::u16string, Bytes> files_;
     std::set<std::u16string> folders_;
     std::uint32_t lastError_ = 0;
 };
 
 class ManualClock : public Clock {
-public:
+  public:
     LocalTime Now() override { return now; }
     void Sleep(std::uint32_t ms) override { sleeps.push_back(ms); }
     std::uint32_t ProcessId() override { return processId; }

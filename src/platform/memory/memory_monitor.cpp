@@ -5,7 +5,7 @@ namespace kx20 {
 namespace {
 
 class MemoryMonitorSession : public MonitorSession {
-public:
+  public:
     explicit MemoryMonitorSession(MemoryCommandChannel& c) : c_(c) {}
     ~MemoryMonitorSession() override { ++c_.releases; }
 
@@ -14,18 +14,21 @@ public:
         MemoryCommandChannel::Call call;
         call.port = std::u16string(port);
         call.hasPrinterName = printerName != nullptr;
-        if (printerName) call.printerName = *printerName;
+        if (printerName)
+            call.printerName = *printerName;
         call.command.assign(command.begin(), command.end());
         c_.calls.push_back(std::move(call));
         reply = MonitorReply{};
-        if (!c_.handler) return 0;
+        if (!c_.handler)
+            return 0;
         std::uint32_t rc = c_.handler(port, printerName, command, reply);
         // The stated length never exceeds what came back, as the Win32 adapter guarantees.
-        if (reply.data.size() > reply.reportedLength) reply.data.resize(reply.reportedLength);
+        if (reply.data.size() > reply.reportedLength)
+            reply.data.resize(reply.reportedLength);
         return rc;
     }
 
-private:
+  private:
     MemoryCommandChannel& c_;
 };
 

@@ -12,7 +12,7 @@
 namespace kx20 {
 
 class MemoryRegistry : public Registry {
-public:
+  public:
     struct Value {
         std::u16string name;
         std::uint32_t type = kRegNone;
@@ -36,7 +36,7 @@ public:
     std::vector<std::u16string> KeyPaths(Hive hive) const;
     bool DeleteKey(Hive hive, std::u16string_view path);
 
-private:
+  private:
     using Id = std::pair<Hive, std::u16string>;
     static Id MakeId(Hive hive, std::u16string_view path);
     std::map<Id, Key> keys_;

@@ -9,29 +9,31 @@ namespace kx20 {
 namespace {
 
 class MemoryJobWatch : public JobWatch {
-public:
+  public:
     explicit MemoryJobWatch(MemorySpooler& s) : spooler_(s) {}
     bool Wait(JobChanges& changes) override {
         // A real watch would block for ever here; with nothing left to report the watch ends.
-        if (spooler_.pendingChanges.empty()) return false;
+        if (spooler_.pendingChanges.empty())
+            return false;
         changes = spooler_.pendingChanges.front();
         spooler_.pendingChanges.pop_front();
         return true;
     }
 
-private:
+  private:
     MemorySpooler& spooler_;
 };
 
 class MemoryPrinterHandle : public SpoolerPrinter {
-public:
+  public:
     MemoryPrinterHandle(MemorySpooler& s, std::u16string name) : s_(s), name_(std::move(name)) {}
 
     MemorySpooler::Printer* P() { return s_.Find(name_); }
 
     bool GetPrinter(std::uint32_t level, PrinterInfo& out) override {
         auto* p = P();
-        if (!p) return Fail(kErrorInvalidPrinterName);
+        if (!p)
+            return Fail(kErrorInvalidPrinterName);
         const PrinterInfo& in = p->info;
         out = PrinterInfo{};
         switch (level) {
@@ -64,9 +66,11 @@ public:
 
     bool SetPrinter(std::uint32_t level, const PrinterInfo& info) override {
         auto* p = P();
-        if (!p) return Fail(kErrorInvalidPrinterName);
+        if (!p)
+            return Fail(kErrorInvalidPrinterName);
         ++p->setPrinterCalls;
-        if (p->failSetPrinter) return Fail(5);
+        if (p->failSetPrinter)
+            return Fail(5);
         if (level == 2) {
             p->info = info;
         } else if (level == 5) {
@@ -78,7 +82,8 @@ public:
 
     bool GetPrinterDriver(std::uint32_t level, DriverInfo& out) override {
         auto* p = P();
-        if (!p || !p->driver || level < 1 || level > 3) return Fail(kErrorInvalidParameter);
+        if (!p || !p->driver || level < 1 || level > 3)
+            return Fail(kErrorInvalidParameter);
         out = DriverInfo{};
         out.name = p->driver->name;
         if (level >= 2) {
@@ -88,22 +93,28 @@ public:
             out.dataFile = p->driver->dataFile;
             out.configFile = p->driver->configFile;
         }
-        if (level >= 3) out = *p->driver;
+        if (level >= 3)
+            out = *p->driver;
         return true;
     }
 
-    std::uint32_t GetPrinterData(std::u16string_view name, std::uint32_t* type,
-                                 std::uint8_t* data, std::uint32_t size,
-                                 std::uint32_t* needed) override {
+    std::uint32_t GetPrinterData(std::u16string_view name, std::uint32_t* type, std::uint8_t* data,
+                                 std::uint32_t size, std::uint32_t* needed) override {
         auto* p = P();
-        if (!p) return kErrorInvalidPrinterName;
+        if (!p)
+            return kErrorInvalidPrinterName;
         auto it = p->data.find({u"", ToLowerAscii(name)});
-        if (it == p->data.end()) return kErrorFileNotFound;
+        if (it == p->data.end())
+            return kErrorFileNotFound;
         const Bytes& v = it->second.second;
-        if (type) *type = it->second.first;
-        if (needed) *needed = static_cast<std::uint32_t>(v.size());
-        if (size < v.size() || (!data && !v.empty())) return kErrorMoreData;
-        if (!v.empty()) std::memcpy(data, v.data(), v.size());
+        if (type)
+            *type = it->second.first;
+        if (needed)
+            *needed = static_cast<std::uint32_t>(v.size());
+        if (size < v.size() || (!data && !v.empty()))
+            return kErrorMoreData;
+        if (!v.empty())
+            std::memcpy(data, v.data(), v.size());
         return 0;
     }
 
@@ -115,7 +126,8 @@ public:
     std::uint32_t SetPrinterDataEx(std::u16string_view key, std::u16string_view name,
                                    std::uint32_t type, ByteSpan data) override {
         auto* p = P();
-        if (!p) return kErrorInvalidPrinterName;
+        if (!p)
+            return kErrorInvalidPrinterName;
         p->data[{ToLowerAscii(key), ToLowerAscii(name)}] = {type, Bytes(data.begin(), data.end())};
         return 0;
     }
@@ -124,7 +136,8 @@ public:
 
     std::uint32_t StartDoc(std::u16string_view docName, std::u16string_view dataType) override {
         auto* p = P();
-        if (!p || p->failStartDoc || job_) return 0;
+        if (!p || p->failStartDoc || job_)
+            return 0;
         MemoryJob job;
         job.id = s_.nextJobId++;
         job.printerName = name_;
@@ -134,19 +147,23 @@ public:
         return job_->id;
     }
     bool StartPage() override {
-        if (!job_) return false;
+        if (!job_)
+            return false;
         job_->pageStarted = true;
         return true;
     }
     bool Write(ByteSpan data, std::uint32_t* written) override {
-        if (!job_) return false;
+        if (!job_)
+            return false;
         job_->data.insert(job_->data.end(), data.begin(), data.end());
-        if (written) *written = static_cast<std::uint32_t>(data.size());
+        if (written)
+            *written = static_cast<std::uint32_t>(data.size());
         return true;
     }
     bool EndPage() override { return job_.has_value(); }
     bool EndDoc() override {
-        if (!job_) return false;
+        if (!job_)
+            return false;
         job_->ended = true;
         s_.jobs.push_back(std::move(*job_));
         const MemoryJob& done = s_.jobs.back();
@@ -158,13 +175,15 @@ public:
             s_.pendingChanges.push_back(c);
         }
         job_.reset();
-        if (s_.onJobEnd) s_.onJobEnd(done);
+        if (s_.onJobEnd)
+            s_.onJobEnd(done);
         return true;
     }
 
     std::unique_ptr<JobWatch> WatchJobs(std::uint32_t, std::uint16_t, std::uint32_t) override {
         auto* p = P();
-        if (!p || p->noJobWatch) return nullptr;
+        if (!p || p->noJobWatch)
+            return nullptr;
         return std::make_unique<MemoryJobWatch>(s_);
     }
 
@@ -177,7 +196,7 @@ public:
         return Fail(kErrorInvalidParameter);
     }
 
-private:
+  private:
     bool Fail(std::uint32_t e) {
         s_.SetLastError(e);
         return false;

@@ -24,7 +24,7 @@ struct MemoryJob {
 };
 
 class MemorySpooler : public Spooler {
-public:
+  public:
     struct Printer {
         PrinterInfo info;  // the level-2 view; other levels are cut from it
         std::optional<DriverInfo> driver;
@@ -60,7 +60,7 @@ public:
     std::uint32_t nextJobId = 1;
     void SetLastError(std::uint32_t e) { lastError_ = e; }
 
-private:
+  private:
     std::map<std::u16string, Printer> printers_;  // by lower-case name
     std::uint32_t lastError_ = 0;
 };

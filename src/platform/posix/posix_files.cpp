@@ -17,12 +17,13 @@ namespace kx20 {
 namespace {
 
 class PosixFile : public FileHandle {
-public:
+  public:
     explicit PosixFile(std::FILE* f) : f_(f) {}
     ~PosixFile() override { std::fclose(f_); }
     bool Read(MutableByteSpan buf, std::size_t* got) override {
         std::size_t n = std::fread(buf.data(), 1, buf.size(), f_);
-        if (got) *got = n;
+        if (got)
+            *got = n;
         return !std::ferror(f_);
     }
     bool Write(ByteSpan data) override {
@@ -30,12 +31,13 @@ public:
     }
     std::optional<std::uint64_t> Size() override {
         struct stat st;
-        if (fstat(fileno(f_), &st) != 0) return std::nullopt;
+        if (fstat(fileno(f_), &st) != 0)
+            return std::nullopt;
         return static_cast<std::uint64_t>(st.st_size);
     }
     bool Flush() override { return std::fflush(f_) == 0; }
 
-private:
+  private:
     std::FILE* f_;
 };
 
@@ -48,7 +50,7 @@ bool PosixFileSystem::Exists(std::u16string_view path) {
 
 std::unique_ptr<FileHandle> PosixFileSystem::Open(std::u16string_view path, OpenMode mode,
                                                   ShareMode) {
-    const char* how = mode == OpenMode::ReadExisting ? "rb"
+    const char* how = mode == OpenMode::ReadExisting   ? "rb"
                       : mode == OpenMode::CreateAlways ? "w+b"
                                                        : "ab";
     std::FILE* f = std::fopen(Utf16ToUtf8(path).c_str(), how);
@@ -71,22 +73,33 @@ bool PosixFileSystem::CreateFolder(std::u16string_view path) {
     return mkdir(Utf16ToUtf8(path).c_str(), 0755) == 0 || errno == EEXIST;
 }
 
-std::u16string PosixFileSystem::TempFolder() { return u"/tmp/"; }
-std::u16string PosixFileSystem::WindowsFolder() { return u"/"; }
+std::u16string PosixFileSystem::TempFolder() {
+    return u"/tmp/";
+}
+std::u16string PosixFileSystem::WindowsFolder() {
+    return u"/";
+}
 
 LocalTime SystemClock::Now() {
     struct timeval tv;
     gettimeofday(&tv, nullptr);
     struct tm tm;
     localtime_r(&tv.tv_sec, &tm);
-    return {tm.tm_year + 1900, tm.tm_mon + 1, tm.tm_mday, tm.tm_hour,
-            tm.tm_min,         tm.tm_sec,     static_cast<int>(tv.tv_usec / 1000)};
+    return {tm.tm_year + 1900,
+            tm.tm_mon + 1,
+            tm.tm_mday,
+            tm.tm_hour,
+            tm.tm_min,
+            tm.tm_sec,
+            static_cast<int>(tv.tv_usec / 1000)};
 }
 
 void SystemClock::Sleep(std::uint32_t ms) {
     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
 }
 
-std::uint32_t SystemClock::ProcessId() { return static_cast<std::uint32_t>(getpid()); }
+std::uint32_t SystemClock::ProcessId() {
+    return static_cast<std::uint32_t>(getpid());
+}
 
 }  // namespace kx20

@@ -6,7 +6,7 @@
 namespace kx20 {
 
 class PosixFileSystem : public FileSystem {
-public:
+  public:
     bool Exists(std::u16string_view path) override;
     std::unique_ptr<FileHandle> Open(std::u16string_view path, OpenMode mode,
                                      ShareMode share) override;
@@ -17,12 +17,12 @@ public:
     std::u16string WindowsFolder() override;
     std::uint32_t LastError() override { return lastError_; }
 
-private:
+  private:
     std::uint32_t lastError_ = 0;
 };
 
 class SystemClock : public Clock {
-public:
+  public:
     LocalTime Now() override;
     void Sleep(std::uint32_t ms) override;
     std::uint32_t ProcessId() override;

@@ -1,6 +1,7 @@
 #include "platform/win32/win32_files.h"
 
 #include "platform/win32/windows_clean.h"
+
 #include <sys/stat.h>
 
 #include "platform/win32/win32_text.h"
@@ -10,30 +11,33 @@ namespace kx20 {
 namespace {
 
 class Win32File : public FileHandle {
-public:
+  public:
     Win32File(HANDLE h, bool append) : h_(h), append_(append) {}
     ~Win32File() override { CloseHandle(h_); }
 
     bool Read(MutableByteSpan buf, std::size_t* got) override {
         DWORD n = 0;
         BOOL ok = ReadFile(h_, buf.data(), static_cast<DWORD>(buf.size()), &n, nullptr);
-        if (got) *got = n;
+        if (got)
+            *got = n;
         return ok != FALSE;
     }
     bool Write(ByteSpan data) override {
-        if (append_) SetFilePointer(h_, 0, nullptr, FILE_END);
+        if (append_)
+            SetFilePointer(h_, 0, nullptr, FILE_END);
         DWORD n = 0;
         return WriteFile(h_, data.data(), static_cast<DWORD>(data.size()), &n, nullptr) &&
                n == data.size();
     }
     std::optional<std::uint64_t> Size() override {
         LARGE_INTEGER size;
-        if (!GetFileSizeEx(h_, &size)) return std::nullopt;
+        if (!GetFileSizeEx(h_, &size))
+            return std::nullopt;
         return static_cast<std::uint64_t>(size.QuadPart);
     }
     bool Flush() override { return FlushFileBuffers(h_) != FALSE; }
 
-private:
+  private:
     HANDLE h_;
     bool append_;
 };
@@ -73,7 +77,8 @@ std::unique_ptr<FileHandle> Win32FileSystem::Open(std::u16string_view path, Open
     }
     HANDLE h = CreateFileW(p.c_str(), access, ShareOf(share), nullptr, disposition,
                            FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (h == INVALID_HANDLE_VALUE) return nullptr;
+    if (h == INVALID_HANDLE_VALUE)
+        return nullptr;
     return std::make_unique<Win32File>(h, mode == OpenMode::AppendOrCreate);
 }
 
@@ -104,7 +109,9 @@ std::u16string Win32FileSystem::WindowsFolder() {
     return n ? FromWide(std::wstring_view(buf, n)) : std::u16string();
 }
 
-std::uint32_t Win32FileSystem::LastError() { return GetLastError(); }
+std::uint32_t Win32FileSystem::LastError() {
+    return GetLastError();
+}
 
 LocalTime Win32Clock::Now() {
     SYSTEMTIME t;
@@ -112,8 +119,12 @@ LocalTime Win32Clock::Now() {
     return {t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute, t.wSecond, t.wMilliseconds};
 }
 
-void Win32Clock::Sleep(std::uint32_t ms) { ::Sleep(ms); }
+void Win32Clock::Sleep(std::uint32_t ms) {
+    ::Sleep(ms);
+}
 
-std::uint32_t Win32Clock::ProcessId() { return GetCurrentProcessId(); }
+std::uint32_t Win32Clock::ProcessId() {
+    return GetCurrentProcessId();
+}
 
 }  // namespace kx20

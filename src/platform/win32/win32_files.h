@@ -6,7 +6,7 @@
 namespace kx20 {
 
 class Win32FileSystem : public FileSystem {
-public:
+  public:
     bool Exists(std::u16string_view path) override;
     std::unique_ptr<FileHandle> Open(std::u16string_view path, OpenMode mode,
                                      ShareMode share) override;
@@ -19,7 +19,7 @@ public:
 };
 
 class Win32Clock : public Clock {
-public:
+  public:
     LocalTime Now() override;
     void Sleep(std::uint32_t ms) override;
     std::uint32_t ProcessId() override;

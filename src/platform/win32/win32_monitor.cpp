@@ -14,7 +14,7 @@ using SendCmdFn = DWORD(WINAPI*)(LPCWSTR port, LPCWSTR printer, DWORD commandLen
                                  const BYTE* command, DWORD* replyLength, BYTE** reply);
 
 class Win32MonitorSession : public MonitorSession {
-public:
+  public:
     Win32MonitorSession(HMODULE module, SendCmdFn fn) : module_(module), fn_(fn) {}
     ~Win32MonitorSession() override { FreeLibrary(module_); }
 
@@ -40,7 +40,7 @@ public:
         return rc;
     }
 
-private:
+  private:
     HMODULE module_;
     SendCmdFn fn_;
 };

@@ -6,7 +6,7 @@
 namespace kx20 {
 
 class Win32CommandChannel : public CommandChannel {
-public:
+  public:
     std::unique_ptr<MonitorSession> Load(MonitorLoad& status, std::uint32_t& lastError) override;
 };
 

@@ -1,6 +1,7 @@
 #include "platform/win32/win32_registry.h"
 
 #include "platform/win32/windows_clean.h"
+
 #include <sddl.h>
 
 #include <vector>
@@ -11,7 +12,9 @@ namespace kx20 {
 
 namespace {
 
-HKEY RootOf(Hive hive) { return hive == Hive::LocalMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER; }
+HKEY RootOf(Hive hive) {
+    return hive == Hive::LocalMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+}
 
 REGSAM SamOf(KeyAccess access) {
     switch (access) {
@@ -26,7 +29,7 @@ REGSAM SamOf(KeyAccess access) {
 }
 
 class Win32Key : public RegistryKey {
-public:
+  public:
     explicit Win32Key(HKEY key) : key_(key) {}
     ~Win32Key() override { RegCloseKey(key_); }
 
@@ -36,8 +39,10 @@ public:
         DWORD t = 0;
         DWORD s = size ? *size : 0;
         LONG rc = RegQueryValueExW(key_, n.c_str(), nullptr, &t, data, size ? &s : nullptr);
-        if (type) *type = t;
-        if (size) *size = s;
+        if (type)
+            *type = t;
+        if (size)
+            *size = s;
         return rc;
     }
     long SetValue(std::u16string_view name, std::uint32_t type, ByteSpan data) override {
@@ -53,18 +58,20 @@ public:
         wchar_t buf[kRegMaxValueName + 1];
         DWORD chars = static_cast<DWORD>(kRegMaxValueName + 1);
         LONG rc = RegEnumValueW(key_, index, buf, &chars, nullptr, nullptr, nullptr, nullptr);
-        if (rc == ERROR_SUCCESS) name = FromWide(std::wstring_view(buf, chars));
+        if (rc == ERROR_SUCCESS)
+            name = FromWide(std::wstring_view(buf, chars));
         return rc;
     }
 
-private:
+  private:
     HKEY key_;
 };
 
 struct LocalSid {
     PSID sid = nullptr;
     ~LocalSid() {
-        if (sid) LocalFree(sid);
+        if (sid)
+            LocalFree(sid);
     }
 };
 
@@ -100,7 +107,8 @@ bool Win32Registry::SetKeyAccessList(Hive hive, std::u16string_view path,
     for (std::size_t i = 0; i < entries.size() && ok; ++i) {
         std::wstring s = ToWide(entries[i].sid);
         ok = ConvertStringSidToSidW(s.c_str(), &sids[i].sid) != FALSE;
-        if (ok) aclSize += sizeof(ACCESS_ALLOWED_ACE) - sizeof(DWORD) + GetLengthSid(sids[i].sid);
+        if (ok)
+            aclSize += sizeof(ACCESS_ALLOWED_ACE) - sizeof(DWORD) + GetLengthSid(sids[i].sid);
     }
     std::vector<std::uint8_t> aclBuffer(aclSize);
     PACL acl = reinterpret_cast<PACL>(aclBuffer.data());

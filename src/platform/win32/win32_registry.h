@@ -6,7 +6,7 @@
 namespace kx20 {
 
 class Win32Registry : public Registry {
-public:
+  public:
     std::unique_ptr<RegistryKey> OpenKey(Hive hive, std::u16string_view path,
                                          KeyAccess access) override;
     std::unique_ptr<RegistryKey> CreateKey(Hive hive, std::u16string_view path) override;

@@ -8,11 +8,11 @@
 namespace kx20 {
 
 class Win32ResourceStrings : public ResourceStrings {
-public:
+  public:
     explicit Win32ResourceStrings(HMODULE module) : module_(module) {}
     std::optional<std::u16string> Load(std::uint32_t id) override;
 
-private:
+  private:
     HMODULE module_;
 };
 

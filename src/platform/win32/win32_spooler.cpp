@@ -2,7 +2,6 @@
 
 #include "platform/win32/windows_clean.h"
 
-
 #include <cstring>
 #include <vector>
 
@@ -14,31 +13,36 @@ namespace {
 
 // A DEVMODE's whole extent as it declares it.
 Bytes DevModeBytes(const DEVMODEW* dm) {
-    if (!dm) return {};
+    if (!dm)
+        return {};
     std::size_t size = static_cast<std::size_t>(dm->dmSize) + dm->dmDriverExtra;
     const auto* p = reinterpret_cast<const std::uint8_t*>(dm);
     return Bytes(p, p + size);
 }
 
-std::u16string Str(const wchar_t* s) { return FromWide(s); }
+std::u16string Str(const wchar_t* s) {
+    return FromWide(s);
+}
 
 // The usual two-call scheme: ask for the size, allocate, fetch.
 template <class Fetch>
 bool FetchBuffer(std::vector<std::uint8_t>& buf, Fetch fetch) {
     DWORD needed = 0;
     fetch(nullptr, 0, &needed);
-    if (needed == 0) return false;
+    if (needed == 0)
+        return false;
     buf.assign(needed, 0);
     return fetch(buf.data(), needed, &needed) != FALSE;
 }
 
 class Win32JobWatch : public JobWatch {
-public:
+  public:
     Win32JobWatch(HANDLE change) : change_(change) {}
     ~Win32JobWatch() override { FindClosePrinterChangeNotification(change_); }
 
     bool Wait(JobChanges& changes) override {
-        if (WaitForSingleObject(change_, INFINITE) != WAIT_OBJECT_0) return false;
+        if (WaitForSingleObject(change_, INFINITE) != WAIT_OBJECT_0)
+            return false;
         DWORD flags = 0;
         PPRINTER_NOTIFY_INFO info = nullptr;
         if (!FindNextPrinterChangeNotification(change_, &flags, nullptr,
@@ -57,7 +61,7 @@ public:
         return true;
     }
 
-private:
+  private:
     HANDLE change_;
 };
 
@@ -66,7 +70,7 @@ private:
 // has left the queue without an error status has been handed to the port, which is reported
 // as printed.
 class PollingJobWatch : public JobWatch {
-public:
+  public:
     PollingJobWatch(HANDLE printer, DWORD jobId) : printer_(printer), jobId_(jobId) {}
 
     bool Wait(JobChanges& changes) override {
@@ -78,11 +82,12 @@ public:
             changes = JobChanges{};
             changes.hasData = true;
             if (!present) {
-                if (gone_) return false;  // reported once already: nothing more will come
+                if (gone_)
+                    return false;  // reported once already: nothing more will come
                 gone_ = true;
                 changes.changeFlags = PRINTER_CHANGE_DELETE_JOB;
-                changes.items.push_back({JOB_NOTIFY_TYPE, JOB_NOTIFY_FIELD_STATUS, jobId_,
-                                         JOB_STATUS_PRINTED});
+                changes.items.push_back(
+                    {JOB_NOTIFY_TYPE, JOB_NOTIFY_FIELD_STATUS, jobId_, JOB_STATUS_PRINTED});
                 return true;
             }
             DWORD status = reinterpret_cast<JOB_INFO_1W*>(buf.data())->Status;
@@ -90,15 +95,14 @@ public:
                 first_ = false;
                 lastStatus_ = status;
                 changes.changeFlags = PRINTER_CHANGE_SET_JOB;
-                changes.items.push_back(
-                    {JOB_NOTIFY_TYPE, JOB_NOTIFY_FIELD_STATUS, jobId_, status});
+                changes.items.push_back({JOB_NOTIFY_TYPE, JOB_NOTIFY_FIELD_STATUS, jobId_, status});
                 return true;
             }
             ::Sleep(Win32Spooler::kJobPollMilliseconds);
         }
     }
 
-private:
+  private:
     HANDLE printer_;
     DWORD jobId_;
     DWORD lastStatus_ = 0;
@@ -107,7 +111,7 @@ private:
 };
 
 class Win32Printer : public SpoolerPrinter {
-public:
+  public:
     explicit Win32Printer(HANDLE h) : h_(h) {}
     ~Win32Printer() override { ClosePrinter(h_); }
 
@@ -136,7 +140,8 @@ public:
                 out.location = Str(i->pLocation);
                 out.printProcessor = Str(i->pPrintProcessor);
                 out.dataType = Str(i->pDatatype);
-                if (i->pDevMode) out.devMode = DevModeBytes(i->pDevMode);
+                if (i->pDevMode)
+                    out.devMode = DevModeBytes(i->pDevMode);
                 out.attributes = i->Attributes;
                 out.priority = i->Priority;
                 out.status = i->Status;
@@ -160,7 +165,8 @@ public:
             case 8:
             case 9: {
                 auto* i = reinterpret_cast<PRINTER_INFO_8W*>(buf.data());
-                if (i->pDevMode) out.devMode = DevModeBytes(i->pDevMode);
+                if (i->pDevMode)
+                    out.devMode = DevModeBytes(i->pDevMode);
                 break;
             }
             default:
@@ -213,7 +219,8 @@ public:
     }
 
     bool GetPrinterDriver(std::uint32_t level, DriverInfo& out) override {
-        if (level < 1 || level > 3) return false;
+        if (level < 1 || level > 3)
+            return false;
         std::vector<std::uint8_t> buf;
         if (!FetchBuffer(buf, [&](LPBYTE b, DWORD size, LPDWORD needed) {
                 return ::GetPrinterDriverW(h_, nullptr, level, b, size, needed);
@@ -249,14 +256,15 @@ public:
         return true;
     }
 
-    std::uint32_t GetPrinterData(std::u16string_view name, std::uint32_t* type,
-                                 std::uint8_t* data, std::uint32_t size,
-                                 std::uint32_t* needed) override {
+    std::uint32_t GetPrinterData(std::u16string_view name, std::uint32_t* type, std::uint8_t* data,
+                                 std::uint32_t size, std::uint32_t* needed) override {
         std::wstring n = ToWide(name);
         DWORD t = 0, need = 0;
         DWORD rc = ::GetPrinterDataW(h_, n.data(), &t, data, size, &need);
-        if (type) *type = t;
-        if (needed) *needed = need;
+        if (type)
+            *type = t;
+        if (needed)
+            *needed = need;
         return rc;
     }
 
@@ -270,8 +278,7 @@ public:
     std::uint32_t SetPrinterDataEx(std::u16string_view key, std::u16string_view name,
                                    std::uint32_t type, ByteSpan data) override {
         std::wstring k = ToWide(key), n = ToWide(name);
-        return ::SetPrinterDataExW(h_, k.c_str(), n.c_str(), type,
-                                   const_cast<LPBYTE>(data.data()),
+        return ::SetPrinterDataExW(h_, k.c_str(), n.c_str(), type, const_cast<LPBYTE>(data.data()),
                                    static_cast<DWORD>(data.size()));
     }
 
@@ -293,7 +300,8 @@ public:
         DWORD n = 0;
         BOOL ok = ::WritePrinter(h_, const_cast<std::uint8_t*>(data.data()),
                                  static_cast<DWORD>(data.size()), &n);
-        if (written) *written = n;
+        if (written)
+            *written = n;
         return ok != FALSE;
     }
     bool EndPage() override { return ::EndPagePrinter(h_) != FALSE; }
@@ -307,7 +315,8 @@ public:
         HANDLE change = FindFirstPrinterChangeNotification(h_, changeFlags, 0, &options);
         if (change != INVALID_HANDLE_VALUE && change != nullptr)
             return std::make_unique<Win32JobWatch>(change);
-        if (jobId == 0) return nullptr;
+        if (jobId == 0)
+            return nullptr;
         return std::make_unique<PollingJobWatch>(h_, jobId);
     }
 
@@ -315,7 +324,7 @@ public:
         return ::SetJobW(h_, jobId, 0, nullptr, command) != FALSE;
     }
 
-private:
+  private:
     HANDLE h_;
 };
 
@@ -329,11 +338,14 @@ std::unique_ptr<SpoolerPrinter> Win32Spooler::OpenPrinter(std::u16string_view na
     PRINTER_DEFAULTSW defaults = {
         nullptr, dm.empty() ? nullptr : reinterpret_cast<DEVMODEW*>(dm.data()), access};
     HANDLE h = nullptr;
-    if (!::OpenPrinterW(n.data(), &h, &defaults) || !h) return nullptr;
+    if (!::OpenPrinterW(n.data(), &h, &defaults) || !h)
+        return nullptr;
     return std::make_unique<Win32Printer>(h);
 }
 
-std::uint32_t Win32Spooler::LastError() { return GetLastError(); }
+std::uint32_t Win32Spooler::LastError() {
+    return GetLastError();
+}
 
 std::u16string Win32Spooler::ErrorText(std::uint32_t code) {
     wchar_t buf[1024] = {};

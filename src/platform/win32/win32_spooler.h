@@ -6,7 +6,7 @@
 namespace kx20 {
 
 class Win32Spooler : public Spooler {
-public:
+  public:
     std::unique_ptr<SpoolerPrinter> OpenPrinter(std::u16string_view name, std::uint32_t access,
                                                 const Bytes* devMode) override;
     std::uint32_t LastError() override;

@@ -9,12 +9,17 @@
 
 namespace kx20 {
 
-inline std::wstring ToWide(std::u16string_view s) { return std::wstring(s.begin(), s.end()); }
+inline std::wstring ToWide(std::u16string_view s) {
+    return std::wstring(s.begin(), s.end());
+}
 inline std::u16string FromWide(const wchar_t* s) {
-    if (!s) return {};
+    if (!s)
+        return {};
     std::wstring_view v(s);
     return std::u16string(v.begin(), v.end());
 }
-inline std::u16string FromWide(std::wstring_view v) { return std::u16string(v.begin(), v.end()); }
+inline std::u16string FromWide(std::wstring_view v) {
+    return std::u16string(v.begin(), v.end());
+}
 
 }  // namespace kx20
