@@ -1,4 +1,17 @@
 # Native (Linux) build: unit tests, command-line tool, fuzz targets and benchmarks.
+if(KX20_FUZZ)
+  # The fuzz flavour (clang) builds the fuzz targets only; every library is instrumented.
+  file(GLOB KX20_FUZZ_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/fuzz/*.cpp)
+  foreach(src ${KX20_FUZZ_SOURCES})
+    get_filename_component(name ${src} NAME_WE)
+    add_executable(${name} ${src})
+    target_link_libraries(${name} PRIVATE kx20sim kx20memory kx20core)
+    target_compile_options(${name} PRIVATE ${KX20_WARNINGS})
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  endforeach()
+  return()
+endif()
+
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
@@ -28,15 +41,4 @@ if(KX20_BENCH)
     add_executable(kx20_bench ${KX20_BENCH_SOURCES})
     target_link_libraries(kx20_bench PRIVATE kx20sim kx20memory kx20core benchmark::benchmark benchmark::benchmark_main)
   endif()
-endif()
-
-if(KX20_FUZZ)
-  file(GLOB KX20_FUZZ_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/fuzz/*.cpp)
-  foreach(src ${KX20_FUZZ_SOURCES})
-    get_filename_component(name ${src} NAME_WE)
-    add_executable(${name} ${src})
-    target_link_libraries(${name} PRIVATE kx20sim kx20memory kx20core)
-    target_compile_options(${name} PRIVATE -fsanitize=fuzzer,address,undefined)
-    target_link_options(${name} PRIVATE -fsanitize=fuzzer,address,undefined)
-  endforeach()
 endif()

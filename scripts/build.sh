@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Configures and builds one flavour: native | asan | windows. Prints the build folder.
+# Configures and builds one flavour: native | asan | fuzz | windows. Prints the build folder.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 flavour="${1:-native}"
@@ -7,6 +7,7 @@ dir="$root/build/$flavour"
 case "$flavour" in
   native)  args=(-DCMAKE_BUILD_TYPE=RelWithDebInfo) ;;
   asan)    args=(-DCMAKE_BUILD_TYPE=Debug -DKX20_SANITIZE=ON -DKX20_BENCH=OFF) ;;
+  fuzz)    args=(-DCMAKE_BUILD_TYPE=RelWithDebInfo -DKX20_FUZZ=ON -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++) ;;
   windows) args=(-DCMAKE_BUILD_TYPE=Release -DCMAKE_TOOLCHAIN_FILE="$root/cmake/mingw-w64-x86_64.cmake") ;;
   *) echo "unknown flavour $flavour" >&2; exit 2 ;;
 esac

@@ -1,14 +1,29 @@
 #!/usr/bin/env bash
-# Runs every test: the native unit tests, the same under ASan+UBSan, the Windows build's
-# checks and its tests under Wine. Installs what is missing first.
+# Runs every test: the native unit tests, the same under ASan+UBSan, a short run of every
+# fuzz target, the Windows build's checks and its tests under Wine. Installs what is missing
+# first, and ends with one summary line over all ctest runs.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/setup.sh"
 status=0
+passed=0
+failed=0
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
 for flavour in native asan windows; do
   echo "== $flavour build"
   dir=$("$root/scripts/build.sh" "$flavour")
   echo "== $flavour tests"
-  (cd "$dir" && ctest --output-on-failure -j2) || status=1
+  (cd "$dir" && ctest --output-on-failure -j2) | tee "$log" || status=1
+  line=$(grep -E '[0-9]+% tests passed, [0-9]+ tests? failed out of [0-9]+' "$log" | tail -1 || true)
+  if [ -z "$line" ]; then status=1; continue; fi
+  total=$(sed -E 's/.* out of ([0-9]+).*/\1/' <<<"$line")
+  bad=$(sed -E 's/.* ([0-9]+) tests? failed.*/\1/' <<<"$line")
+  passed=$((passed + total - bad))
+  failed=$((failed + bad))
 done
+echo "== fuzz targets"
+"$root/scripts/fuzz.sh" 10 || { status=1; failed=$((failed + 1)); }
+[ "$failed" -eq 0 ] || status=1
+echo "$passed passed, $failed failed"
 exit $status
