@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/memory/memory_platform.h"
+
 #include "log/trace.h"
 #include "platform/memory/memory_files.h"
 #include "platform/memory/memory_monitor.h"
@@ -15,7 +17,7 @@ namespace {
 const std::u16string kA = u"AAAAAAAA";
 const std::u16string kB = u"BBBBBBBB";
 
-class CatalogueTest : public ::testing::Test {
+class CatalogueTest : public ::testing::Test, protected MemoryPlatform {
   protected:
     void SetUp() override {
         spooler.AddPrinter(u"KX20", u"USB001");
@@ -55,12 +57,7 @@ class CatalogueTest : public ::testing::Test {
         return out ? std::string(out->begin(), out->end()) : std::string();
     }
 
-    MemoryRegistry reg;
-    MemorySpooler spooler;
-    MemoryFileSystem files;
-    ManualClock clock;
-    MemoryCommandChannel monitor;
-    Platform p{reg, spooler, files, clock, monitor};
+    MemoryRegistry& reg = registry;
 };
 
 TEST_F(CatalogueTest, RecordsAreStoredByteExact) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/memory/memory_platform.h"
+
 #include "log/trace.h"
 #include "platform/memory/memory_files.h"
 #include "platform/memory/memory_monitor.h"
@@ -17,7 +19,7 @@ const std::u16string kPortPath =
     u"SYSTEM\\CurrentControlSet\\Control\\Print\\Monitors\\KVO KX20 Language/Port "
     u"Monitor\\Ports\\USB001";
 
-class RegistryLayoutTest : public ::testing::Test {
+class RegistryLayoutTest : public ::testing::Test, protected MemoryPlatform {
   protected:
     void SetUp() override {
         spooler.AddPrinter(u"KX20", kPort);
@@ -37,12 +39,7 @@ class RegistryLayoutTest : public ::testing::Test {
         return reg.FindValue(Hive::LocalMachine, DriverDataKeyPath(u"KX20", false), name)->data;
     }
 
-    MemoryRegistry reg;
-    MemorySpooler spooler;
-    MemoryFileSystem files;
-    ManualClock clock;
-    MemoryCommandChannel monitor;
-    Platform p{reg, spooler, files, clock, monitor};
+    MemoryRegistry& reg = registry;
 };
 
 TEST_F(RegistryLayoutTest, PathsAreBuiltAndCutToTheBuffer) {
