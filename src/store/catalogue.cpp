@@ -315,17 +315,21 @@ bool GetMessageText(Platform& p, std::u16string_view printerName, std::uint32_t 
     return found;
 }
 
-std::vector<LogoRecord> ReadLogoRecords(Platform& p, std::u16string_view printerName,
-                                        std::u16string_view id) {
-    std::vector<LogoRecord> out;
-    auto key = OpenLogosKey(p, printerName);
+namespace {
+
+// Every record of the identity `id` in a catalogue key whose value names carry `tag`, in
+// enumeration order; values that do not parse are passed over.
+template <class Record>
+std::vector<Record> ReadRecords(std::unique_ptr<RegistryKey> key, std::u16string_view id,
+                                std::u16string_view tag, bool (*parse)(ByteSpan, Record&)) {
+    std::vector<Record> out;
     if (!key)
         return out;
     ForEachValueName(*key, [&](const std::u16string& name) {
-        LogoRecord record;
-        if (Contains(name, id) && Contains(name, kLogoTag)) {
+        Record record;
+        if (Contains(name, id) && Contains(name, tag)) {
             auto bytes = ReadValueBytes(*key, name);
-            if (bytes && ParseLogoRecord(*bytes, record))
+            if (bytes && parse(*bytes, record))
                 out.push_back(std::move(record));
         }
         return false;
@@ -333,22 +337,17 @@ std::vector<LogoRecord> ReadLogoRecords(Platform& p, std::u16string_view printer
     return out;
 }
 
+}  // namespace
+
+std::vector<LogoRecord> ReadLogoRecords(Platform& p, std::u16string_view printerName,
+                                        std::u16string_view id) {
+    return ReadRecords<LogoRecord>(OpenLogosKey(p, printerName), id, kLogoTag, ParseLogoRecord);
+}
+
 std::vector<MessageRecord> ReadMessageRecords(Platform& p, std::u16string_view printerName,
                                               std::u16string_view id) {
-    std::vector<MessageRecord> out;
-    auto key = OpenMessagesKey(p, printerName);
-    if (!key)
-        return out;
-    ForEachValueName(*key, [&](const std::u16string& name) {
-        MessageRecord record;
-        if (Contains(name, id) && Contains(name, kMessageTag)) {
-            auto bytes = ReadValueBytes(*key, name);
-            if (bytes && ParseMessageRecord(*bytes, record))
-                out.push_back(std::move(record));
-        }
-        return false;
-    });
-    return out;
+    return ReadRecords<MessageRecord>(OpenMessagesKey(p, printerName), id, kMessageTag,
+                                      ParseMessageRecord);
 }
 
 int DeleteLogoEntries(Platform& p, std::u16string_view printerName, std::u16string_view text) {
