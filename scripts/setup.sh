@@ -1,8 +1,15 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the builds and tests need, when they are missing.
+# Installs the Debian packages the builds and tests need, when they are missing, then checks
+# that every program the scripts call is on the PATH.
 set -euo pipefail
 packages=(cmake ninja-build g++ googletest libgtest-dev libbenchmark-dev libstb-dev
-          g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine64 xvfb xauth clang)
+          g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine wine64 xvfb xauth
+          imagemagick clang)
+# The programs the scripts and build files run, with the package that brings each.
+programs=(cmake:cmake ninja:ninja-build g++:g++ clang++:clang
+          x86_64-w64-mingw32-g++-posix:g++-mingw-w64-x86-64-posix
+          x86_64-w64-mingw32-objdump:binutils-mingw-w64-x86-64
+          wine:wine wineboot:wine wineserver:wine64 xvfb-run:xvfb xauth:xauth import:imagemagick)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
@@ -17,3 +24,12 @@ if [ ${#missing[@]} -gt 0 ]; then
   apt-get update -qq
   apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 fi
+absent=0
+for entry in "${programs[@]}"; do
+  program=${entry%%:*}
+  if ! command -v "$program" >/dev/null; then
+    echo "setup: '$program' is not on the PATH after installing; it comes from the package '${entry#*:}'" >&2
+    absent=1
+  fi
+done
+exit $absent

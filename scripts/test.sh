@@ -8,6 +8,15 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 status=0
 passed=0
 failed=0
+# Every program the scripts run must come from a package that setup.sh installs: a program
+# installed by hand passes here and fails on a fresh machine.
+echo "== setup packages"
+checker="$root/../shared/tools/check-setup-packages"
+if [ -x "$checker" ]; then
+  if "$checker" "$root"; then passed=$((passed + 1)); else failed=$((failed + 1)); fi
+else
+  echo "setup package check not found at $checker; skipped"
+fi
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 for flavour in native asan windows; do
