@@ -1,0 +1,48 @@
+// The per-sheet record that every property page receives as its page parameter. The sheet
+// owns it from its initialisation to its destruction; the pages only read it, except for the
+// document sheet's page copy of the device mode and the sheet window handle.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "devmode/devmode.h"
+#include "devmode/printer_settings.h"
+#include "platform/platform.h"
+#include "platform/prompts.h"
+#include "platform/resources.h"
+
+namespace kx20 {
+
+// What the pages know of the printer's port when the sheet opens: its connection status
+// record, all zero and the identity empty when it cannot be read.
+struct PortSummary {
+    bool present = false;            // the status record was read and is valid
+    std::uint32_t modelCode = 0;
+    std::uint8_t firmwareLevel = 0;
+    bool connected = false;
+    std::u16string identity;
+};
+
+struct PageContext {
+    // The ports the pages work over; owned by the sheet's Win32 side (or by a test).
+    Platform* platform = nullptr;
+    UserPrompts* prompts = nullptr;
+    ResourceStrings* strings = nullptr;  // the resource module's strings
+    std::u16string helpPath;             // the resource module's help file; empty when none
+
+    std::u16string printerName;
+    std::u16string driverName;  // pDriverName of the printer's level-2 information
+    // pDocUI: the document sheet's page copy of the device mode (points at pageCopy); null in
+    // the device sheet.
+    DevModeImage* docDevMode = nullptr;
+    std::unique_ptr<PrinterSettings> settings;
+    PortSummary port;
+
+    // Document sheet only.
+    DevModeImage pageCopy{};
+    WindowId sheetWindow = 0;  // set by the pages
+};
+
+}  // namespace kx20
