@@ -10,11 +10,25 @@ target_link_libraries(kx20win32 PUBLIC kx20core)
 target_compile_options(kx20win32 PRIVATE ${KX20_WARNINGS})
 target_compile_definitions(kx20win32 PUBLIC UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
 
+# The window side of the pages and the Win32 drawing code of every subsystem
+# (src/<subsystem>/win32/), linked into the driver and the Wine tests.
+file(GLOB KX20_PAGE_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/*/win32/*.cpp)
+list(FILTER KX20_PAGE_SOURCES EXCLUDE REGEX "/src/(platform|entry)/win32/")
+if(KX20_PAGE_SOURCES)
+  add_library(kx20pages STATIC ${KX20_PAGE_SOURCES})
+  target_link_libraries(kx20pages PUBLIC kx20win32 kx20core)
+  target_include_directories(kx20pages PUBLIC ${CMAKE_SOURCE_DIR}/res)
+  target_compile_options(kx20pages PRIVATE ${KX20_WARNINGS})
+else()
+  add_library(kx20pages INTERFACE)
+  target_link_libraries(kx20pages INTERFACE kx20win32 kx20core)
+endif()
+
 # kvorsgui.dll: the driver's user-interface module.
 file(GLOB KX20_ENTRY_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/entry/win32/*.cpp)
 add_library(kvorsgui SHARED ${KX20_ENTRY_SOURCES} ${CMAKE_SOURCE_DIR}/src/entry/win32/kvorsgui.def)
 set_target_properties(kvorsgui PROPERTIES PREFIX "" OUTPUT_NAME kvorsgui)
-target_link_libraries(kvorsgui PRIVATE kx20win32 kx20core ${KX20_SYSTEM_LIBS})
+target_link_libraries(kvorsgui PRIVATE kx20pages kx20win32 kx20core ${KX20_SYSTEM_LIBS})
 target_compile_options(kvorsgui PRIVATE ${KX20_WARNINGS})
 target_link_options(kvorsgui PRIVATE ${KX20_STATIC_LINK} -Wl,--enable-stdcall-fixup)
 
@@ -43,7 +57,7 @@ add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM
 file(GLOB KX20_WINE_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/wine/*.cpp)
 set(KX20_WINHOST_SOURCES ${CMAKE_SOURCE_DIR}/tools/winhost/driver_install.cpp ${CMAKE_SOURCE_DIR}/tools/winhost/sim_control.cpp)
 add_executable(kx20_wine_tests ${KX20_WINE_TESTS} ${KX20_WINHOST_SOURCES})
-target_link_libraries(kx20_wine_tests PRIVATE kx20win32 kx20memory kx20sim kx20core gtest ${KX20_SYSTEM_LIBS})
+target_link_libraries(kx20_wine_tests PRIVATE kx20pages kx20win32 kx20memory kx20sim kx20core gtest ${KX20_SYSTEM_LIBS})
 target_include_directories(kx20_wine_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR})
 target_compile_options(kx20_wine_tests PRIVATE ${KX20_WARNINGS})
 target_link_options(kx20_wine_tests PRIVATE ${KX20_STATIC_LINK} -municode)
