@@ -66,11 +66,6 @@ TEST_F(LogShare, ASecondWriterAtTheSameMomentFailsToOpenAndLosesItsLine) {
     // Once the first writer has closed the log, the next line goes in.
     logs::WriteLogLine(files, clock, kLog, "third", 1024, false);
     EXPECT_EQ(ReadText(kLog), kStamp + "first\r\n" + kStamp + "third\r\n");
-
-    // A reader that shares writing does not keep a writer out.
-    auto reader = files.Open(kLog, OpenMode::ReadExisting, ShareMode::ReadWrite);
-    ASSERT_NE(reader, nullptr);
-    EXPECT_NE(files.Open(kLog, OpenMode::ReadWriteOrCreate, ShareMode::Read), nullptr);
 }
 
 TEST_F(LogShare, TheArchiveStepMovesTheLogOnDiskAndFoldersAreMadeOneLevelAtATime) {
