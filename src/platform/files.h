@@ -19,15 +19,22 @@ class FileHandle {
     virtual bool Read(MutableByteSpan buf, std::size_t* got) = 0;
     virtual bool Write(ByteSpan data) = 0;
     virtual std::optional<std::uint64_t> Size() = 0;
+    // Moves the position to the end of the file, where the next read or write starts.
+    virtual bool SeekToEnd() = 0;
     virtual bool Flush() = 0;
 };
 
 enum class OpenMode {
-    ReadExisting,    // read only, the file must exist
-    CreateAlways,    // read and write, created or truncated
-    AppendOrCreate,  // writes go to the end; created when missing
+    ReadExisting,       // read only, the file must exist
+    CreateAlways,       // read and write, created or truncated
+    AppendOrCreate,     // write only; writes go to the end; created when missing
+    ReadWriteOrCreate,  // read and write from the start, content kept; created when missing
 };
 
+// What other openers of the same file may do while this handle is open, as the system's share
+// modes rule it: an open fails (sharing violation, 32) when it asks for access that an open
+// handle does not share, or shares less than an open handle already has. A handle that shares
+// only reading therefore keeps every other writer out until it is closed.
 enum class ShareMode { None, Read, ReadWrite };
 
 class FileSystem {
@@ -37,9 +44,11 @@ class FileSystem {
     virtual bool Exists(std::u16string_view path) = 0;
     virtual std::unique_ptr<FileHandle> Open(std::u16string_view path, OpenMode mode,
                                              ShareMode share) = 0;
+    // Removing or renaming a file that is open fails, as no handle shares deletion.
     virtual bool Remove(std::u16string_view path) = 0;
     virtual bool Rename(std::u16string_view from, std::u16string_view to) = 0;
-    // Creates one folder level; true when it was created or already exists.
+    // Creates one folder level; true when it was created or already exists. A missing parent
+    // folder makes it fail.
     virtual bool CreateFolder(std::u16string_view path) = 0;
     // The temporary folder, with its trailing separator as the system gives it.
     virtual std::u16string TempFolder() = 0;

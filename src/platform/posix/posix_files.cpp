@@ -1,5 +1,6 @@
 #include "platform/posix/posix_files.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -35,6 +36,7 @@ class PosixFile : public FileHandle {
             return std::nullopt;
         return static_cast<std::uint64_t>(st.st_size);
     }
+    bool SeekToEnd() override { return std::fseek(f_, 0, SEEK_END) == 0; }
     bool Flush() override { return std::fflush(f_) == 0; }
 
   private:
@@ -48,12 +50,23 @@ bool PosixFileSystem::Exists(std::u16string_view path) {
     return stat(Utf16ToUtf8(path).c_str(), &st) == 0;
 }
 
+// Share modes are not enforced here: the tools that use this adapter write their own files.
 std::unique_ptr<FileHandle> PosixFileSystem::Open(std::u16string_view path, OpenMode mode,
                                                   ShareMode) {
-    const char* how = mode == OpenMode::ReadExisting   ? "rb"
-                      : mode == OpenMode::CreateAlways ? "w+b"
-                                                       : "ab";
-    std::FILE* f = std::fopen(Utf16ToUtf8(path).c_str(), how);
+    const std::string name = Utf16ToUtf8(path);
+    std::FILE* f = nullptr;
+    if (mode == OpenMode::ReadWriteOrCreate) {
+        // Kept when present, created when missing, read and written from the start.
+        const int fd = open(name.c_str(), O_RDWR | O_CREAT, 0644);
+        f = fd < 0 ? nullptr : fdopen(fd, "r+b");
+        if (fd >= 0 && !f)
+            close(fd);
+    } else {
+        const char* how = mode == OpenMode::ReadExisting   ? "rb"
+                          : mode == OpenMode::CreateAlways ? "w+b"
+                                                           : "ab";
+        f = std::fopen(name.c_str(), how);
+    }
     if (!f) {
         lastError_ = static_cast<std::uint32_t>(errno);
         return nullptr;
@@ -70,7 +83,12 @@ bool PosixFileSystem::Rename(std::u16string_view from, std::u16string_view to) {
 }
 
 bool PosixFileSystem::CreateFolder(std::u16string_view path) {
-    return mkdir(Utf16ToUtf8(path).c_str(), 0755) == 0 || errno == EEXIST;
+    const std::string name = Utf16ToUtf8(path);
+    if (mkdir(name.c_str(), 0755) == 0)
+        return true;
+    lastError_ = static_cast<std::uint32_t>(errno);
+    struct stat st;
+    return lastError_ == EEXIST && stat(name.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
 
 std::u16string PosixFileSystem::TempFolder() {

@@ -35,6 +35,10 @@ class Win32File : public FileHandle {
             return std::nullopt;
         return static_cast<std::uint64_t>(size.QuadPart);
     }
+    bool SeekToEnd() override {
+        LARGE_INTEGER zero{};
+        return SetFilePointerEx(h_, zero, nullptr, FILE_END) != FALSE;
+    }
     bool Flush() override { return FlushFileBuffers(h_) != FALSE; }
 
   private:
@@ -74,6 +78,9 @@ std::unique_ptr<FileHandle> Win32FileSystem::Open(std::u16string_view path, Open
     } else if (mode == OpenMode::AppendOrCreate) {
         access = GENERIC_WRITE;
         disposition = OPEN_ALWAYS;
+    } else if (mode == OpenMode::ReadWriteOrCreate) {
+        access = GENERIC_READ | GENERIC_WRITE;
+        disposition = OPEN_ALWAYS;
     }
     HANDLE h = CreateFileW(p.c_str(), access, ShareOf(share), nullptr, disposition,
                            FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -94,7 +101,14 @@ bool Win32FileSystem::Rename(std::u16string_view from, std::u16string_view to) {
 
 bool Win32FileSystem::CreateFolder(std::u16string_view path) {
     std::wstring p = ToWide(path);
-    return CreateDirectoryW(p.c_str(), nullptr) || GetLastError() == ERROR_ALREADY_EXISTS;
+    if (CreateDirectoryW(p.c_str(), nullptr))
+        return true;
+    // Already there counts only when it is a folder; the error of the creation is kept.
+    const DWORD error = GetLastError();
+    const DWORD attributes = GetFileAttributesW(p.c_str());
+    SetLastError(error);
+    return error == ERROR_ALREADY_EXISTS && attributes != INVALID_FILE_ATTRIBUTES &&
+           (attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
 std::u16string Win32FileSystem::TempFolder() {

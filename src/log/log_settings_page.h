@@ -1,0 +1,102 @@
+// The log settings page of the device sheet, without its window: which logs are written, the
+// log folder and the wrap size. Every change is written to the printer's driver-data key at
+// once; the page keeps nothing pending and does nothing on apply. The dialog procedure shows
+// what the model holds and passes the user's actions on.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/platform.h"
+#include "platform/resources.h"
+
+namespace kx20::logs {
+
+// Controls of the page's dialog template (1011).
+namespace control {
+inline constexpr int kLoggingOn = 1200;  // check box, the master switch
+inline constexpr int kFolderLabel = 1201;
+inline constexpr int kFolder = 1202;  // the log folder
+inline constexpr int kBrowse = 1203;
+inline constexpr int kLogsLabel = 1204;
+inline constexpr int kApiLog = 1205;  // check boxes of the four logs
+inline constexpr int kPrintingLog = 1206;
+inline constexpr int kPortIOLog = 1207;
+inline constexpr int kRestoreCfgLog = 1208;
+inline constexpr int kWrapLabel = 1209;
+inline constexpr int kWrapSize = 1210;  // edit, digits only
+inline constexpr int kWrapSpin = 1211;  // its up-down control
+inline constexpr int kWrapUnit = 1212;
+inline constexpr int kStatus = 1213;  // connection status line
+}  // namespace control
+
+// Controls whose text is the resource string of the same number.
+inline constexpr std::array<int, 10> kLabelledControls = {1200, 1201, 1203, 1204, 1205,
+                                                          1206, 1207, 1208, 1209, 1212};
+inline constexpr std::size_t kWrapSizeChars = 5;  // the edit's limit
+inline constexpr std::uint32_t kBrowseTitleId = 2207;
+inline constexpr std::uint32_t kBrowseFlags = 6;  // file-system folders only, with edit box
+inline constexpr std::uint32_t kPageHelpContext = 2080;
+
+// The pop-up help context of a control; 0 for a control without one.
+std::uint32_t HelpContextOf(int controlId);
+
+// Asks the user for a folder, starting at `start`; nothing when the user cancels.
+using FolderPicker = std::function<std::optional<std::u16string>(std::u16string_view title,
+                                                                 std::u16string_view start)>;
+
+class LogSettingsPage {
+  public:
+    LogSettingsPage(Platform& platform, ResourceStrings& strings, std::u16string printerName);
+
+    // Opening: the check boxes from `LogSettings` (0 written when it cannot be read), the folder
+    // from `LogPath` (the default folder made and stored when it cannot be read), the wrap size
+    // from `LogWrapSize` (5120 stored when it cannot be read), and the status line.
+    void Open();
+    // The status line from the port's connection status now.
+    void RefreshStatus();
+
+    bool Checked(int controlId) const;
+    // Everything from 1201 to 1212 follows the master switch.
+    bool Enabled(int controlId) const;
+    const std::u16string& Folder() const { return folder_; }
+    const std::u16string& WrapText() const { return wrapText_; }
+    const std::u16string& StatusText() const { return status_; }
+
+    // A check box's new state: its bit is set or cleared in `LogSettings` as stored now, so
+    // the other bits stay as they are.
+    void Click(int controlId, bool checked);
+    // The browse button: a chosen folder is stored and shown. True when it was stored.
+    bool Browse(const FolderPicker& pick);
+    // An up-down step: a negative delta raises the number by 1, a positive one lowers it, both
+    // kept within 1024..10240. True when the number shown changed (and was stored); the page
+    // then puts the focus in the edit with its text selected.
+    bool Step(int delta);
+    // Any change of the edit's text: the number it shows is stored at once, even outside
+    // 1024..10240 while the user is typing.
+    void WrapTextChanged(std::u16string_view text);
+    // The focus leaves the edit: a number above 10240 is shown (and stored) as 10240, one
+    // below 1024 as 1024.
+    void WrapFocusLost();
+
+  private:
+    void ShowWrapSize(std::uint32_t kb);
+
+    Platform& p_;
+    ResourceStrings& strings_;
+    std::u16string printer_;
+    std::uint32_t checks_ = 0;  // `LogSettings` bits of the ticked boxes
+    std::u16string folder_;
+    std::u16string wrapText_;
+    std::u16string status_;
+};
+
+// The number an edit shows, read as the system reads an unsigned number from a control: blanks
+// around decimal digits; anything else, or a number beyond 32 bits, reads as 0.
+std::uint32_t NumberShown(std::u16string_view text);
+
+}  // namespace kx20::logs

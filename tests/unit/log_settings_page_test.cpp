@@ -1,0 +1,185 @@
+// The log settings page model against the in-memory registry and files: what it shows, what it
+// stores on every change, and its status line.
+#include "log/log_settings_page.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/memory/memory_platform.h"
+#include "platform/text.h"
+#include "store/registry_layout.h"
+
+namespace kx20::logs {
+namespace {
+
+const std::u16string kPrinter = u"KX20";
+const std::u16string kPort = u"USB001";
+
+class LogSettingsPageTest : public ::testing::Test, protected MemoryPlatform {
+  protected:
+    void SetUp() override { spooler.AddPrinter(kPrinter, kPort); }
+
+    std::uint32_t Stored(std::u16string_view name) {
+        auto* v =
+            registry.FindValue(Hive::LocalMachine, store::DriverDataKeyPath(kPrinter, false), name);
+        return v && v->data.size() == 4 ? ReadU32(v->data, 0) : 0xDEADBEEF;
+    }
+    std::u16string StoredPath() {
+        std::u16string path = u"<none>";
+        store::GetLogPath(p, kPrinter, path);
+        return path;
+    }
+    void PutStatus(std::uint32_t model, std::uint8_t level) {
+        store::ConnectionStatus status{u"KX20ABCD", model, true, level};
+        registry.CreateKey(Hive::LocalMachine, store::PortKeyPath(kPort))
+            ->SetValue(u"ConnectionStatus", 3, store::BuildConnectionStatus(status));
+    }
+
+    BuiltinStrings strings;
+    LogSettingsPage page{p, strings, kPrinter};
+};
+
+TEST_F(LogSettingsPageTest, FirstOpenStoresTheDefaultsAndDisablesAllButTheSwitch) {
+    ASSERT_TRUE(files.CreateFolder(u"C:\\KX20NWD"));
+    files.windowsFolder = u"C:\\Windows";
+    page.Open();
+    EXPECT_EQ(Stored(u"LogSettings"), 0u);
+    EXPECT_EQ(Stored(u"LogWrapSize"), 5120u);
+    EXPECT_EQ(StoredPath(), u"C:\\KX20NWD\\Log");
+    EXPECT_TRUE(files.HasFolder(u"C:\\KX20NWD\\Log"));
+    EXPECT_EQ(page.Folder(), u"C:\\KX20NWD\\Log");
+    EXPECT_EQ(page.WrapText(), u"5120");
+    EXPECT_EQ(page.StatusText(), u"Printer status is not available.");
+    for (int id = 1200; id <= 1213; ++id) {
+        EXPECT_FALSE(page.Checked(id)) << id;
+        EXPECT_EQ(page.Enabled(id), id == 1200 || id == 1213) << id;
+    }
+}
+
+TEST_F(LogSettingsPageTest, StoredValuesAreShownAsStoredAndNotRewritten) {
+    store::SetLogSettings(p, kPrinter, 0x35);  // 0x20 is no box's bit
+    store::SetLogPath(p, kPrinter, u"");
+    store::SetLogWrapSize(p, kPrinter, 99999);
+    files.windowsFolder = u"E:\\WINNT";
+    page.Open();
+    EXPECT_EQ(Stored(u"LogSettings"), 0x35u);
+    EXPECT_EQ(StoredPath(), u"");
+    EXPECT_EQ(page.Folder(), u"");
+    EXPECT_EQ(page.WrapText(), u"99999");
+    EXPECT_TRUE(page.Checked(1200) && page.Checked(1205) && page.Checked(1207));
+    EXPECT_FALSE(page.Checked(1206) || page.Checked(1208));
+    EXPECT_TRUE(page.Enabled(1202) && page.Enabled(1211));
+
+    // The default folder of a missing parent is still shown and stored, though not created.
+    registry.CreateKey(Hive::LocalMachine, store::DriverDataKeyPath(kPrinter, false))
+        ->DeleteValue(u"LogPath");
+    page.Open();
+    EXPECT_EQ(StoredPath(), u"E:\\KX20NWD\\Log");
+    EXPECT_FALSE(files.Exists(u"E:\\KX20NWD\\Log"));
+}
+
+TEST_F(LogSettingsPageTest, ACheckBoxRewritesOnlyItsOwnBitOfTheStoredValue) {
+    store::SetLogSettings(p, kPrinter, 0x11);
+    page.Open();
+    page.Click(1206, true);
+    EXPECT_EQ(Stored(u"LogSettings"), 0x13u);
+    // Changed elsewhere meanwhile: the stored bits are kept, not the ones shown.
+    store::SetLogSettings(p, kPrinter, 0x1B);
+    page.Click(1205, false);
+    EXPECT_EQ(Stored(u"LogSettings"), 0x1Au);
+    page.Click(1200, false);
+    EXPECT_EQ(Stored(u"LogSettings"), 0x0Au);
+    EXPECT_FALSE(page.Enabled(1210));
+    EXPECT_TRUE(page.Checked(1206));
+    page.Click(1200, true);
+    EXPECT_TRUE(page.Enabled(1210));
+    EXPECT_EQ(Stored(u"LogSettings"), 0x1Au);
+
+    registry.CreateKey(Hive::LocalMachine, store::DriverDataKeyPath(kPrinter, false))
+        ->DeleteValue(u"LogSettings");
+    page.Click(1208, true);
+    EXPECT_EQ(Stored(u"LogSettings"), 0x08u);
+}
+
+TEST_F(LogSettingsPageTest, StepsMoveByOneWithinTheRange) {
+    page.Open();
+    const struct {
+        const char16_t* shown;
+        int delta;
+        const char16_t* after;
+        bool changed;
+    } steps[] = {{u"10240", -1, u"10240", false}, {u"1024", 1, u"1024", false},
+                 {u"5000", -1, u"5001", true},    {u"5000", 1, u"4999", true},
+                 {u"500", -1, u"1024", true},     {u"500", 1, u"1024", true},
+                 {u"20000", 1, u"10240", true},   {u"20000", -1, u"10240", true},
+                 {u"", -1, u"1024", true}};
+    for (const auto& s : steps) {
+        page.WrapTextChanged(s.shown);
+        EXPECT_EQ(page.Step(s.delta), s.changed) << Utf16ToUtf8(s.shown) << " " << s.delta;
+        EXPECT_EQ(page.WrapText(), s.after);
+        EXPECT_EQ(Stored(u"LogWrapSize"), NumberShown(s.after));
+    }
+}
+
+TEST_F(LogSettingsPageTest, TypedNumbersAreStoredAtOnceAndClampedWhenTheFocusLeaves) {
+    page.Open();
+    for (const char16_t* typed : {u"9", u"99", u"999", u"9999", u"99999"}) {
+        page.WrapTextChanged(typed);
+        EXPECT_EQ(Stored(u"LogWrapSize"), NumberShown(typed));
+    }
+    EXPECT_EQ(Stored(u"LogWrapSize"), 99999u);
+    page.WrapFocusLost();
+    EXPECT_EQ(page.WrapText(), u"10240");
+    EXPECT_EQ(Stored(u"LogWrapSize"), 10240u);
+
+    page.WrapTextChanged(u"");
+    EXPECT_EQ(Stored(u"LogWrapSize"), 0u);
+    page.WrapFocusLost();
+    EXPECT_EQ(page.WrapText(), u"1024");
+    page.WrapTextChanged(u"02048");
+    page.WrapFocusLost();
+    EXPECT_EQ(page.WrapText(), u"02048");
+
+    EXPECT_EQ(NumberShown(u" 12 "), 12u);
+    EXPECT_EQ(NumberShown(u"1a"), 0u);
+    EXPECT_EQ(NumberShown(u"4294967296"), 0u);
+}
+
+TEST_F(LogSettingsPageTest, BrowseStartsAtTheStoredFolderAndStoresTheChoice) {
+    page.Open();
+    store::SetLogPath(p, kPrinter, u"");
+    std::u16string title, start;
+    std::optional<std::u16string> answer;
+    auto picker = [&](std::u16string_view t, std::u16string_view s) {
+        title = t;
+        start = s;
+        return answer;
+    };
+    // An empty folder is replaced by the default before the browser opens there.
+    EXPECT_FALSE(page.Browse(picker));
+    EXPECT_EQ(title, u"Choose the folder for the KX20 log files.");
+    EXPECT_EQ(start, u"C:\\KX20NWD\\Log");
+    EXPECT_EQ(StoredPath(), u"C:\\KX20NWD\\Log");
+
+    answer = u"D:\\Logs";
+    EXPECT_TRUE(page.Browse(picker));
+    EXPECT_EQ(start, u"C:\\KX20NWD\\Log");
+    EXPECT_EQ(StoredPath(), u"D:\\Logs");
+    EXPECT_EQ(page.Folder(), u"D:\\Logs");
+    page.Browse(picker);
+    EXPECT_EQ(start, u"D:\\Logs");
+}
+
+TEST_F(LogSettingsPageTest, StatusLineNamesTheModelAndMarksAPrinterThatIsNotReady) {
+    PutStatus(9, 0x40);
+    page.Open();
+    EXPECT_EQ(page.StatusText(), u"Printer: KX20 model 9");
+    PutStatus(7, 0);
+    page.RefreshStatus();
+    EXPECT_EQ(page.StatusText(), u"Printer: KX20 model 7 (not ready)");
+    PutStatus(6, 1);  // no such model
+    page.RefreshStatus();
+    EXPECT_EQ(page.StatusText(), u"Printer: ");
+}
+
+}  // namespace
+}  // namespace kx20::logs
