@@ -28,43 +28,62 @@ GlyphShape ShapeOf(std::uint32_t width, std::uint32_t height) {
     return g;
 }
 
-// The glyph's rows top first, width / 8 bytes each (the file stores them bottom first, one
-// 4-byte cell per row).
-Bytes RowsTopFirst(ByteSpan glyph, const GlyphShape& g) {
-    Bytes rows(std::size_t{g.rows} * g.rowBytes);
+// The glyph's rows top first, width / 8 bytes each, into `out` as far as `room` allows (the
+// file stores them bottom first, one 4-byte cell per row).
+void RowsTopFirst(ByteSpan glyph, const GlyphShape& g, std::uint8_t* out, std::size_t room) {
     for (std::uint32_t r = 0; r < g.rows; ++r) {
+        const std::size_t at = std::size_t{r} * g.rowBytes;
+        if (at + g.rowBytes > room)
+            return;
         const std::size_t cell = std::size_t{g.rows - 1 - r} * 4;
-        std::copy_n(glyph.begin() + static_cast<std::ptrdiff_t>(cell), g.rowBytes,
-                    rows.begin() + static_cast<std::ptrdiff_t>(std::size_t{r} * g.rowBytes));
+        std::copy_n(glyph.begin() + static_cast<std::ptrdiff_t>(cell), g.rowBytes, out + at);
     }
-    return rows;
+}
+
+// Room for the columns of the widest glyph with the most rows: 24 columns of at most
+// 32 / 8 + 1 bytes each.
+constexpr std::size_t kColumnScratch = 24 * (kMaxNarrowGlyphRows / 8 + 2) + 1;
+
+// Transposes an 8 x 8 dot block: byte i from the top is row i (most significant bit the left
+// column); afterwards byte c from the top is column c, row 0 in its most significant bit.
+std::uint64_t Transpose8(std::uint64_t x) {
+    std::uint64_t t = (x ^ (x >> 7)) & 0x00AA00AA00AA00AAull;
+    x = x ^ t ^ (t << 7);
+    t = (x ^ (x >> 14)) & 0x0000CCCC0000CCCCull;
+    x = x ^ t ^ (t << 14);
+    t = (x ^ (x >> 28)) & 0x00000000F0F0F0F0ull;
+    return x ^ t ^ (t << 28);
 }
 
 // The impact head prints columns: for each column from the left the dots from the bottom row
 // up, most significant bit first, a new byte after every 8 rows, and one byte more after a
-// column when the glyph is one byte wide or 9 rows high. The record takes width x 2 bytes.
-Bytes Columns(const Bytes& rows, const GlyphShape& g) {
+// column when the glyph is one byte wide or 9 rows high. A column of rows not a multiple of 8
+// ends inside a byte, which the next column starts in again. The record takes width x 2 bytes.
+//
+// Walking from the bottom row up is the order the file stores the rows in, so each group of
+// 8 stored rows of one byte-column, transposed, gives one byte of each of its 8 columns.
+std::size_t Columns(ByteSpan glyph, const GlyphShape& g,
+                    std::array<std::uint8_t, kColumnScratch>& out) {
     const bool skip = g.rowBytes == 1 || g.height == 9;
-    Bytes out(std::size_t{g.width} * (g.rows / 8 + 2) + 1, 0);
-    std::size_t at = 0;
-    for (std::uint32_t c = 0; c < g.width; ++c) {
-        std::uint8_t mask = 0x80;
-        for (std::uint32_t k = 0; k < g.rows; ++k) {
-            const std::uint32_t r = g.rows - 1 - k;
-            const std::uint8_t row = rows[std::size_t{r} * g.rowBytes + c / 8];
-            if (row & (0x80 >> (c % 8)))
-                out[at] |= mask;
-            mask >>= 1;
-            if (mask == 0) {
-                mask = 0x80;
-                ++at;
+    const std::size_t stride = g.rows / 8 + (skip ? 1 : 0);  // bytes from a column to the next
+    const std::uint32_t groups = (g.rows + 7) / 8;
+    out.fill(0);
+    for (std::uint32_t cb = 0; cb < g.rowBytes; ++cb) {
+        for (std::uint32_t j = 0; j < groups; ++j) {
+            std::uint64_t block = 0;
+            for (std::uint32_t i = 0; i < 8; ++i) {
+                const std::uint32_t k = j * 8 + i;
+                const std::uint8_t row = k < g.rows ? glyph[std::size_t{k} * 4 + cb] : 0;
+                block |= std::uint64_t{row} << (56 - 8 * i);
+            }
+            const std::uint64_t columns = Transpose8(block);
+            for (std::uint32_t cc = 0; cc < 8; ++cc) {
+                const std::size_t c = std::size_t{cb} * 8 + cc;
+                out[c * stride + j] |= static_cast<std::uint8_t>(columns >> (56 - 8 * cc));
             }
         }
-        if (skip)
-            ++at;
     }
-    out.resize(std::min<std::size_t>(std::size_t{g.width} * 2, kImpactGlyphBytes));
-    return out;
+    return std::min<std::size_t>(std::size_t{g.width} * 2, kImpactGlyphBytes);
 }
 
 }  // namespace
@@ -132,6 +151,7 @@ bool ReadFntRecords(ByteSpan file, std::u16string_view path, bool thermal, std::
     if (!thermal)
         WriteU16(blank, kFntRecHeight9, shape.height == 9 ? 1 : 0);
 
+    std::array<std::uint8_t, kColumnScratch> columns{};
     std::size_t pos = kFntHeaderSize;
     for (std::size_t lr = 0; lr < 4; ++lr) {
         const int leadFirst = header[kFntLeadRanges + 2 * lr];
@@ -156,21 +176,20 @@ bool ReadFntRecords(ByteSpan file, std::u16string_view path, bool thermal, std::
                     }
                     const ByteSpan glyph = file.subspan(pos, shape.glyphBytes);
                     pos += shape.glyphBytes;
-                    const Bytes rows = RowsTopFirst(glyph, shape);
                     FntRecord r = blank;
                     r[kFntRecLead] = static_cast<std::uint8_t>(lead);
                     r[kFntRecSecond] = static_cast<std::uint8_t>(second);
                     if (thermal) {
-                        std::copy_n(rows.begin(), std::min(rows.size(), kThermalGlyphBytes),
-                                    r.begin() + kFntRecThermalGlyph);
+                        RowsTopFirst(glyph, shape, r.data() + kFntRecThermalGlyph,
+                                     kThermalGlyphBytes);
                     } else {
-                        const Bytes columns = Columns(rows, shape);
+                        const std::size_t taken = Columns(glyph, shape, columns);
                         // A glyph with no dot is consumed but not kept.
-                        if (std::all_of(columns.begin(), columns.end(),
+                        if (std::all_of(columns.begin(), columns.begin() + taken,
                                         [](std::uint8_t b) { return b == 0; })) {
                             continue;
                         }
-                        std::copy(columns.begin(), columns.end(), r.begin() + kFntRecImpactGlyph);
+                        std::copy_n(columns.begin(), taken, r.begin() + kFntRecImpactGlyph);
                     }
                     if (records.size() >= kMaxFntRecords) {
                         TraceNote(notes, u"ParseFNTFile - more than %d characters!\n",

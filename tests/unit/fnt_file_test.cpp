@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "device_page_fixture.h"
 #include "font_file_generators.h"
 #include "fonts/fon_file.h"
@@ -138,6 +140,58 @@ TEST(FntRecords, ImpactGlyphsBecomeColumnsAndEmptyOnesAreDropped) {
     EXPECT_EQ(glyph(0, 1), 0x80);  // the top row of column 0
     EXPECT_EQ(glyph(0, 2), 0x80);  // the bottom row of column 1
     EXPECT_EQ(ReadU16(records[0], kFntRecHeight9), 1);
+}
+
+// The column walk bit by bit, as the impact head takes it: each column from the bottom row up,
+// a new byte after 8 rows, one more byte after a column 9 rows high.
+Bytes ReferenceColumns(ByteSpan stored, std::uint32_t rows) {
+    Bytes out(16 * (rows / 8 + 2) + 1, 0);
+    std::size_t at = 0;
+    for (std::uint32_t c = 0; c < 16; ++c) {
+        std::uint8_t mask = 0x80;
+        for (std::uint32_t k = 0; k < rows; ++k) {  // stored row k is the k-th from the bottom
+            if (stored[k * 4 + c / 8] & (0x80 >> (c % 8)))
+                out[at] |= mask;
+            mask >>= 1;
+            if (mask == 0) {
+                mask = 0x80;
+                ++at;
+            }
+        }
+        if (rows == 9)
+            ++at;
+    }
+    out.resize(32);
+    return out;
+}
+
+TEST(FntRecords, ColumnsOfEveryHeightAgreeWithTheBitByBitWalk) {
+    std::mt19937 random(20240305);
+    for (std::uint32_t rows = 1; rows <= kMaxNarrowGlyphRows; ++rows) {
+        SCOPED_TRACE(rows);
+        FntFile f;
+        f.width = 16;
+        f.height = rows;
+        f.leadRanges = {0x88, 0x88, 0, 0, 0, 0, 0, 0};
+        f.secondRanges = {0x40, 0x47, 0, 0, 0, 0, 0, 0};
+        std::vector<Bytes> glyphs;
+        for (int n = 0; n < 8; ++n) {
+            Bytes g(rows * 4);
+            for (auto& b : g) b = static_cast<std::uint8_t>(random() & random());
+            g[0] |= 1;  // never a glyph without a dot
+            glyphs.push_back(g);
+        }
+        f.glyph = [&](std::size_t n) { return glyphs[n]; };
+        std::uint32_t codePage = 0;
+        std::vector<FntRecord> records;
+        ASSERT_TRUE(ReadFntRecords(f.Build(8), u"kor.fnt", false, codePage, records));
+        ASSERT_EQ(records.size(), 8u);
+        for (std::size_t n = 0; n < 8; ++n) {
+            EXPECT_EQ(Bytes(records[n].begin() + kFntRecImpactGlyph,
+                            records[n].begin() + kFntRecImpactGlyph + 32),
+                      ReferenceColumns(glyphs[n], rows));
+        }
+    }
 }
 
 TEST(FntRecords, BoundsFailTheParse) {
