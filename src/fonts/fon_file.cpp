@@ -28,17 +28,38 @@ bool ReadHeader(ByteSpan file, std::size_t pos, Header& h) {
     return true;
 }
 
-// One metadata value in its legal range: stored and traced, else traced as invalid.
-bool CheckedValue(TraceNotes* notes, std::uint16_t value, std::uint16_t max,
-                  std::u16string_view okFormat, std::u16string_view badFormat,
-                  std::uint16_t& field) {
-    if (value > max) {
-        TraceNote(notes, badFormat, value);
-        return false;
-    }
-    field = value;
-    TraceNote(notes, okFormat, value);
-    return true;
+// The metadata values with a legal range: stored and traced when in range, else traced as
+// invalid.
+struct RangedValue {
+    std::uint16_t tag;
+    std::uint16_t max;
+    std::uint16_t FONMetaData::*field;
+    std::u16string_view okFormat;
+    std::u16string_view badFormat;
+};
+constexpr RangedValue kRangedValues[] = {
+    {kTagThermalWidth, 24, &FONMetaData::thermalWidth, u"GetFONFileMetaData - THERMAL_WIDTH(%d)\n",
+     u"GetFONFileMetaData - Invalid THERMAL_WIDTH value - %d!\n"},
+    {kTagThermalHeight, 24, &FONMetaData::thermalHeight,
+     u"GetFONFileMetaData - THERMAL_HEIGHT(%d)\n",
+     u"GetFONFileMetaData - Invalid THERMAL_HEIGHT value - %d!\n"},
+    {kTagImpactWidth, 16, &FONMetaData::impactWidth, u"GetFONFileMetaData - IMPACT_WIDTH(%d)\n",
+     u"GetFONFileMetaData - Invalid IMPACT_WIDTH value - %d!\n"},
+    {kTagImpactHeight, 16, &FONMetaData::impactHeight, u"GetFONFileMetaData - IMPACT_HEIGHT(%d)\n",
+     u"GetFONFileMetaData - Invalid IMPACT_HEIGHT value - %d!\n"},
+    {kTagDbcsSpacing, 32, &FONMetaData::dbcsSpacing, u"GetFONFileMetaData - DBCS_SPACING(%d)\n",
+     u"GetFONFileMetaData - Invalid DBCS_SPACING value - %d!\n"},
+    {kTagSbcsSpacing, 8, &FONMetaData::sbcsSpacing, u"GetFONFileMetaData - SBCS_SPACING(%d)\n",
+     u"GetFONFileMetaData - Invalid SBCS_SPACING value - %d!\n"},
+    {kTagDbcsMatrix, 1, &FONMetaData::dbcsMatrix, u"GetFONFileMetaData - DBCS_MATRIX(%d)\n",
+     u"GetFONFileMetaData - Invalid DBCS_MATRIX value - %d!\n"},
+};
+
+const RangedValue* FindRangedValue(std::uint16_t tag) {
+    for (const RangedValue& v : kRangedValues)
+        if (v.tag == tag)
+            return &v;
+    return nullptr;
 }
 
 // Counting walk: the character records of each kind up to the end record.
@@ -194,43 +215,17 @@ bool ReadFONMetaData(ByteSpan file, FONMetaData& meta, TraceNotes* notes) {
                 TraceNote(notes, u"GetFONFileMetaData - DBCS_VECTOR(0x%02x,0x%02x)\n", data[0],
                           data[1]);
                 break;
-            case kTagThermalWidth:
-                valid &= CheckedValue(notes, value, 24, u"GetFONFileMetaData - THERMAL_WIDTH(%d)\n",
-                                      u"GetFONFileMetaData - Invalid THERMAL_WIDTH value - %d!\n",
-                                      meta.thermalWidth);
-                break;
-            case kTagThermalHeight:
-                valid &=
-                    CheckedValue(notes, value, 24, u"GetFONFileMetaData - THERMAL_HEIGHT(%d)\n",
-                                 u"GetFONFileMetaData - Invalid THERMAL_HEIGHT value - %d!\n",
-                                 meta.thermalHeight);
-                break;
-            case kTagImpactWidth:
-                valid &= CheckedValue(notes, value, 16, u"GetFONFileMetaData - IMPACT_WIDTH(%d)\n",
-                                      u"GetFONFileMetaData - Invalid IMPACT_WIDTH value - %d!\n",
-                                      meta.impactWidth);
-                break;
-            case kTagImpactHeight:
-                valid &= CheckedValue(notes, value, 16, u"GetFONFileMetaData - IMPACT_HEIGHT(%d)\n",
-                                      u"GetFONFileMetaData - Invalid IMPACT_HEIGHT value - %d!\n",
-                                      meta.impactHeight);
-                break;
-            case kTagDbcsSpacing:
-                valid &= CheckedValue(notes, value, 32, u"GetFONFileMetaData - DBCS_SPACING(%d)\n",
-                                      u"GetFONFileMetaData - Invalid DBCS_SPACING value - %d!\n",
-                                      meta.dbcsSpacing);
-                break;
-            case kTagSbcsSpacing:
-                valid &= CheckedValue(notes, value, 8, u"GetFONFileMetaData - SBCS_SPACING(%d)\n",
-                                      u"GetFONFileMetaData - Invalid SBCS_SPACING value - %d!\n",
-                                      meta.sbcsSpacing);
-                break;
-            case kTagDbcsMatrix:
-                valid &= CheckedValue(notes, value, 1, u"GetFONFileMetaData - DBCS_MATRIX(%d)\n",
-                                      u"GetFONFileMetaData - Invalid DBCS_MATRIX value - %d!\n",
-                                      meta.dbcsMatrix);
-                break;
             default:
+                if (const RangedValue* v = FindRangedValue(h.tag)) {
+                    if (value > v->max) {
+                        TraceNote(notes, v->badFormat, value);
+                        valid = false;
+                    } else {
+                        meta.*(v->field) = value;
+                        TraceNote(notes, v->okFormat, value);
+                    }
+                    break;
+                }
                 // Character records, the end record, 238 and unknown tags have no place among
                 // the metadata.
                 valid = false;
