@@ -32,6 +32,12 @@ if(KX20_TOOL_SOURCES)
   add_executable(kx20 ${KX20_TOOL_SOURCES})
   target_link_libraries(kx20 PRIVATE kx20sim kx20memory kx20posix kx20core)
   target_compile_options(kx20 PRIVATE ${KX20_WARNINGS})
+  # The tool's commands on files that their test scripts make (tests/tool/*.sh KX20).
+  file(GLOB KX20_TOOL_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/tool/*.sh)
+  foreach(script ${KX20_TOOL_TESTS})
+    get_filename_component(name ${script} NAME_WE)
+    add_test(NAME ${name} COMMAND ${script} $<TARGET_FILE:kx20>)
+  endforeach()
 endif()
 
 if(KX20_BENCH)

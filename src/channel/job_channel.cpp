@@ -66,7 +66,11 @@ JobVerdict JudgeJobStatus(std::uint32_t status) {
 
 bool SendRawJobAndWait(ResourceStrings& strings, Platform& p, std::u16string_view printerName,
                        std::uint32_t kind, std::uint32_t number, ByteSpan data) {
-    const std::u16string docName = JobDocumentName(strings, kind, number);
+    return SendNamedRawJobAndWait(p, printerName, JobDocumentName(strings, kind, number), data);
+}
+
+bool SendNamedRawJobAndWait(Platform& p, std::u16string_view printerName,
+                            std::u16string_view docName, ByteSpan data) {
     auto printer = p.spooler.OpenPrinter(printerName, kPrinterAccessUse, nullptr);
     if (!printer)
         return false;

@@ -36,5 +36,8 @@ JobVerdict JudgeJobStatus(std::uint32_t status);
 // user (the job is then deleted).
 bool SendRawJobAndWait(ResourceStrings& strings, Platform& p, std::u16string_view printerName,
                        std::uint32_t kind, std::uint32_t number, ByteSpan data);
+// The same with the document name given (the firmware update names its job itself).
+bool SendNamedRawJobAndWait(Platform& p, std::u16string_view printerName,
+                            std::u16string_view docName, ByteSpan data);
 
 }  // namespace kx20::channel

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "entry/device_status.h"
+#include "entry/page_status.h"
 #include "log/log_files.h"
 #include "platform/text.h"
 #include "store/registry_layout.h"
@@ -114,14 +114,9 @@ void LogSettingsPage::Open() {
 
 void LogSettingsPage::RefreshStatus() {
     store::ConnectionStatus status;
-    if (!store::GetConnectionStatus(p_, store::PrinterPortName(p_, printer_), status)) {
-        status_ = strings_.Load(kStatusUnavailableId).value_or(u"");
-        return;
-    }
-    status_ = ModelStatusText(strings_, status.modelCode);
-    // The firmware level is the status's capability byte: 0 marks a printer that is not ready.
-    if (status.firmwareLevel == 0)
-        status_ += strings_.Load(kStatusSuffixId).value_or(u"");
+    const bool available =
+        store::GetConnectionStatus(p_, store::PrinterPortName(p_, printer_), status);
+    status_ = PrinterStatusText(strings_, available ? &status : nullptr);
 }
 
 bool LogSettingsPage::Checked(int controlId) const {

@@ -64,11 +64,24 @@ class Clock {
   public:
     virtual ~Clock() = default;
     virtual LocalTime Now() = 0;
+    // Coordinated universal time (the spooler keeps a printer's availability hours in it).
+    virtual LocalTime UtcNow() = 0;
     virtual void Sleep(std::uint32_t milliseconds) = 0;
     virtual std::uint32_t ProcessId() = 0;
 };
 
 // Reads a whole file that is opened for reading; nullopt on any failure or a short read.
 std::optional<Bytes> ReadWholeFile(FileSystem& fs, std::u16string_view path);
+
+// The same with the step that failed, for callers that trace each step in their own words, and
+// a limit: a file of 0 bytes or more than `maxBytes` is refused before it is read.
+enum class FileReadStatus { Ok, OpenFailed, SizeInvalid, ReadFailed };
+struct FileReadResult {
+    FileReadStatus status = FileReadStatus::OpenFailed;
+    Bytes data;
+    std::uint64_t size = 0;   // as the system reported it (0 when it could not)
+    std::uint32_t error = 0;  // the file system's last error after a failed step
+};
+FileReadResult ReadLimitedFile(FileSystem& fs, std::u16string_view path, std::uint64_t maxBytes);
 
 }  // namespace kx20

@@ -287,6 +287,21 @@ bool GetDBCSFontName(Platform& p, std::u16string_view printerName, bool thermal,
     return found;
 }
 
+bool GetSBCSFontName(Platform& p, std::u16string_view printerName, std::uint32_t number,
+                     std::u16string& name) {
+    std::u16string id;
+    if (!AttachedIdentity(p, printerName, id))
+        return false;
+    auto key = OpenFontsKey(p, printerName);
+    if (!key)
+        return false;
+    auto record = ReadValueBytes(*key, SbcsFontValueName(id, number));
+    if (!record)
+        return false;
+    name = FaceNameOf(*record);
+    return true;
+}
+
 bool GetMessageText(Platform& p, std::u16string_view printerName, std::uint32_t number,
                     std::u16string& text) {
     std::u16string id;

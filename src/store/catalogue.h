@@ -103,6 +103,10 @@ std::uint32_t GetSBCSFontSlot(Platform& p, std::u16string_view printerName,
 // registered.
 bool GetDBCSFontName(Platform& p, std::u16string_view printerName, bool thermal,
                      std::u16string& name);
+// The face name of the single-byte font registered under `number` (its "_sbcsfont" value);
+// `name` is left as it was when there is none.
+bool GetSBCSFontName(Platform& p, std::u16string_view printerName, std::uint32_t number,
+                     std::u16string& name);
 bool GetMessageText(Platform& p, std::u16string_view printerName, std::uint32_t number,
                     std::u16string& text);
 

@@ -176,9 +176,9 @@ TEST_F(LogSettingsPageTest, StatusLineNamesTheModelAndMarksAPrinterThatIsNotRead
     PutStatus(7, 0);
     page.RefreshStatus();
     EXPECT_EQ(page.StatusText(), u"Printer: KX20 model 7 (not ready)");
-    PutStatus(6, 1);  // no such model
+    PutStatus(6, 1);  // no such model: named as model code 0
     page.RefreshStatus();
-    EXPECT_EQ(page.StatusText(), u"Printer: ");
+    EXPECT_EQ(page.StatusText(), u"Printer: KX20 model 0");
 }
 
 }  // namespace

@@ -98,11 +98,9 @@ std::u16string PosixFileSystem::WindowsFolder() {
     return u"/";
 }
 
-LocalTime SystemClock::Now() {
-    struct timeval tv;
-    gettimeofday(&tv, nullptr);
-    struct tm tm;
-    localtime_r(&tv.tv_sec, &tm);
+namespace {
+
+LocalTime FromTm(const struct tm& tm, const struct timeval& tv) {
     return {tm.tm_year + 1900,
             tm.tm_mon + 1,
             tm.tm_mday,
@@ -110,6 +108,24 @@ LocalTime SystemClock::Now() {
             tm.tm_min,
             tm.tm_sec,
             static_cast<int>(tv.tv_usec / 1000)};
+}
+
+}  // namespace
+
+LocalTime SystemClock::Now() {
+    struct timeval tv;
+    gettimeofday(&tv, nullptr);
+    struct tm tm;
+    localtime_r(&tv.tv_sec, &tm);
+    return FromTm(tm, tv);
+}
+
+LocalTime SystemClock::UtcNow() {
+    struct timeval tv;
+    gettimeofday(&tv, nullptr);
+    struct tm tm;
+    gmtime_r(&tv.tv_sec, &tm);
+    return FromTm(tm, tv);
 }
 
 void SystemClock::Sleep(std::uint32_t ms) {

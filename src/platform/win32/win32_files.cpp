@@ -133,6 +133,12 @@ LocalTime Win32Clock::Now() {
     return {t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute, t.wSecond, t.wMilliseconds};
 }
 
+LocalTime Win32Clock::UtcNow() {
+    SYSTEMTIME t;
+    GetSystemTime(&t);
+    return {t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute, t.wSecond, t.wMilliseconds};
+}
+
 void Win32Clock::Sleep(std::uint32_t ms) {
     ::Sleep(ms);
 }

@@ -1,0 +1,175 @@
+#include "firmware/maintenance_page.h"
+
+#include <array>
+
+#include "channel/printer_hours.h"
+#include "channel/printer_queries.h"
+#include "entry/page_status.h"
+#include "firmware/firmware_file.h"
+#include "log/trace.h"
+#include "platform/format.h"
+#include "store/catalogue.h"
+#include "store/registry_layout.h"
+
+namespace kx20::firmware {
+
+MaintenancePageModel::MaintenancePageModel(PageContext& context, WindowId page)
+    : context_(context), page_(page) {}
+
+bool MaintenancePageModel::Enabled(int control) const {
+    auto it = enabled_.find(control);
+    return it == enabled_.end() || it->second;
+}
+
+std::u16string MaintenancePageModel::Text(int control) const {
+    if (control == kIdFilePath)
+        return filePath_;
+    if (control == kIdStatus)
+        return status_;
+    return {};
+}
+
+std::u16string MaintenancePageModel::PortQuestion(std::u16string_view port) const {
+    const std::u16string format = context_.strings->Load(kStringPortQuestion).value_or(u"");
+    std::u16string text;
+    const std::array<FormatArg, 1> args = {FormatArg(port)};
+    if (!FormatTo(text, format, args))
+        return format;
+    return text;
+}
+
+void MaintenancePageModel::Open() {
+    Platform& p = *context_.platform;
+    enabled_.clear();
+    focus_ = 0;
+    const std::u16string port = store::PrinterPortName(p, context_.printerName);
+    store::ConnectionStatus status;
+    if (!store::GetConnectionStatus(p, port, status)) {
+        status_ = PrinterStatusText(*context_.strings, nullptr);
+        for (int id : {kIdFileLabel, kIdFilePath, kIdBrowse, kIdUpdate, kIdLastPrinter,
+                       kIdMaintenance, kIdClearAll}) {
+            enabled_[id] = false;
+        }
+        lastPrinter_ = false;
+        focus_ = kIdAbout;
+        return;
+    }
+    lastPrinter_ = store::GetLastPrinterFlag(p, port);
+    // The maintenance command is not offered while the port's last-printer flag is set.
+    enabled_[kIdMaintenance] = !lastPrinter_;
+    status_ = PrinterStatusText(*context_.strings, &status);
+}
+
+void MaintenancePageModel::Browse(const FileChooser& choose) {
+    Platform& p = *context_.platform;
+    FileDialogRequest request;
+    request.titleId = kStringFirmwareTitle;
+    request.filterId = kStringFirmwareFilter;
+    store::GetFirmwarePath(p, context_.printerName, request.initialFolder);
+    request.accept = [&](const std::u16string& path) {
+        std::uint32_t level = 0;
+        return ValidateFirmwareFile(p, context_.printerName, path, level);
+    };
+    const std::optional<std::u16string> path = choose ? choose(request) : std::nullopt;
+    if (!path)
+        return;
+    filePath_ = *path;
+    store::SetFirmwarePath(p, context_.printerName, FolderOfPath(*path));
+}
+
+void MaintenancePageModel::Update() {
+    Platform& p = *context_.platform;
+    UserPrompts& prompts = *context_.prompts;
+    ResourceStrings& strings = *context_.strings;
+    focus_ = 0;
+    if (!channel::IsWithinAvailabilityHours(p, context_.printerName)) {
+        ShowStringBox(prompts, strings, page_, kStringOutsideHours, kStringPrinterTitle,
+                      box::kOk | box::kIconError);
+        return;
+    }
+    store::ConnectionStatus status;
+    if (!store::GetConnectionStatus(p, store::PrinterPortName(p, context_.printerName), status))
+        return;
+    const std::u16string path = filePath_.substr(0, store::kPathChars - 1);
+    if (path.empty())
+        return;
+    std::uint32_t fileLevel = 0;
+    if (!ValidateFirmwareFile(p, context_.printerName, path, fileLevel))
+        return;
+    const int answer = prompts.Show(
+        page_, FirmwareLevelQuestion(strings, status.firmwareLevel, fileLevel),
+        strings.Load(kStringPrinterTitle).value_or(u""), box::kYesNo | box::kIconWarning);
+    if (answer != box::kIdYes)
+        return;
+    bool flashed = false;
+    {
+        WaitCursor wait(prompts);
+        flashed = OutFlashFirmware(strings, p, context_.printerName, path);
+    }
+    if (!flashed)
+        return;
+    ShowStringBox(prompts, strings, page_, kStringFlashDone, kStringPrinterTitle,
+                  box::kOk | box::kIconInformation);
+    filePath_.clear();
+    focus_ = kIdBrowse;
+}
+
+void MaintenancePageModel::OnLastPrinterClicked(bool nowChecked) {
+    Platform& p = *context_.platform;
+    const std::u16string port = store::PrinterPortName(p, context_.printerName);
+    lastPrinter_ = nowChecked;
+    if (nowChecked) {
+        const int answer = context_.prompts->Show(
+            page_, PortQuestion(port), context_.strings->Load(kStringPrinterTitle).value_or(u""),
+            box::kYesNo | box::kIconWarning);
+        if (answer == box::kIdYes)
+            enabled_[kIdMaintenance] = false;
+        else
+            lastPrinter_ = false;
+    } else {
+        enabled_[kIdMaintenance] = true;
+    }
+    // The flag is stored as the box stood when it was clicked, also when the question was
+    // declined: kept so deliberately.
+    store::SetLastPrinterFlag(p, port, nowChecked ? 1 : 0);
+}
+
+void MaintenancePageModel::Maintenance() {
+    Platform& p = *context_.platform;
+    const std::u16string port = store::PrinterPortName(p, context_.printerName);
+    const int answer = context_.prompts->Show(
+        page_, PortQuestion(port), context_.strings->Load(kStringPrinterTitle).value_or(u""),
+        box::kYesNo | box::kIconWarning);
+    if (answer != box::kIdYes)
+        return;
+    WaitCursor wait(*context_.prompts);
+    channel::OutMaintenanceCommand(p, context_.printerName);
+}
+
+void MaintenancePageModel::ClearAll() {
+    Platform& p = *context_.platform;
+    UserPrompts& prompts = *context_.prompts;
+    const int answer = ShowStringBox(prompts, *context_.strings, page_, kStringClearAllQuestion,
+                                     kStringPrinterTitle, box::kYesNo | box::kIconWarning);
+    if (answer != box::kIdYes)
+        return;
+    WaitCursor wait(prompts);
+    const std::u16string port = store::PrinterPortName(p, context_.printerName);
+    store::ConnectionStatus status;
+    if (!store::GetConnectionStatus(p, port, status))
+        return;
+    const std::u16string& id = status.identity;
+    channel::OutEraseAllSectors(p, context_.printerName, status.modelCode);
+    store::DeleteLogoEntries(p, context_.printerName, id);
+    store::DeleteMessageEntries(p, context_.printerName, id);
+    store::DeleteSBCSFontEntries(p, context_.printerName, id);
+    if (store::HasDbcsArea(status.modelCode))
+        store::DeleteDBCSFontEntries(p, context_.printerName, id);
+    channel::ResetKX20Printer(p, store::IsSerialConnection(p, port), true, context_.printerName,
+                              kResetAfterClearAll);
+    prompts.Broadcast(RefreshMessage::Logos, page_);
+    prompts.Broadcast(RefreshMessage::Messages, page_);
+    prompts.Broadcast(RefreshMessage::Fonts, page_);
+}
+
+}  // namespace kx20::firmware

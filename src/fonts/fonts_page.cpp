@@ -1,0 +1,197 @@
+#include "fonts/fonts_page.h"
+
+#include <array>
+
+#include "channel/printer_queries.h"
+#include "entry/page_status.h"
+#include "store/catalogue.h"
+#include "store/registry_layout.h"
+
+namespace kx20::fonts {
+
+namespace {
+
+bool ReadStatus(PageContext& c, store::ConnectionStatus& status) {
+    return store::GetConnectionStatus(*c.platform,
+                                      store::PrinterPortName(*c.platform, c.printerName), status);
+}
+
+}  // namespace
+
+FontsPageModel::FontsPageModel(PageContext& context, WindowId page)
+    : context_(context), page_(page) {}
+
+FontFlowContext FontsPageModel::Flow() const {
+    return FontFlowContext{*context_.platform, *context_.prompts, *context_.strings, page_,
+                           context_.printerName};
+}
+
+void FontsPageModel::SetEnabled(int first, int last, bool enabled) {
+    for (int id = first; id <= last; ++id) enabled_[id] = enabled;
+}
+
+bool FontsPageModel::Enabled(int control) const {
+    auto it = enabled_.find(control);
+    return it == enabled_.end() || it->second;
+}
+
+std::u16string FontsPageModel::Text(int control) const {
+    switch (control) {
+        case kIdSlot1Name:
+            return names_.sbcs1;
+        case kIdSlot2Name:
+            return names_.sbcs2;
+        case kIdThermalName:
+            return names_.dbcsThermal;
+        case kIdImpactName:
+            return names_.dbcsImpact;
+        case kIdStatus:
+            return status_;
+        default:
+            return {};
+    }
+}
+
+void FontsPageModel::ReadNames() {
+    Platform& p = *context_.platform;
+    names_ = FontNames{};
+    store::GetSBCSFontName(p, context_.printerName, 1, names_.sbcs1);
+    store::GetSBCSFontName(p, context_.printerName, 2, names_.sbcs2);
+    store::GetDBCSFontName(p, context_.printerName, true, names_.dbcsThermal);
+    store::GetDBCSFontName(p, context_.printerName, false, names_.dbcsImpact);
+}
+
+// The single-byte area goes when the printer's checksum differs from the catalogue's, or when
+// the catalogue has none (even if the printer could not be asked).
+void FontsPageModel::ReconcileSingleByte(const store::ConnectionStatus& status) {
+    Platform& p = *context_.platform;
+    std::array<std::uint8_t, 4> crc{};
+    const bool asked =
+        channel::GetSBCSThermalCRC(p, status.connected, context_.printerName, crc.data());
+    const std::uint32_t recorded = store::GetSBCSFontCRC(p, context_.printerName, status.identity);
+    if ((asked && ReadU32(crc, 0) != recorded) || recorded == 0) {
+        channel::OutEraseFlashArea(p, context_.printerName, channel::kAreaSbcsThermal);
+        store::DeleteSBCSFontEntries(p, context_.printerName, status.identity);
+    }
+}
+
+// A double-byte station goes only when the printer answered and differs: a catalogue value of 0
+// alone keeps the fonts.
+void FontsPageModel::ReconcileDoubleByte(const store::ConnectionStatus& status) {
+    Platform& p = *context_.platform;
+    std::vector<bool> stations;
+    if (status.modelCode == 2 || status.modelCode == 9)
+        stations = {true, false};
+    else if (status.modelCode == 7)
+        stations = {true};
+    for (bool thermal : stations) {
+        std::array<std::uint8_t, 4> crc{};
+        if (!channel::GetDBCSCRC(p, status.connected, context_.printerName, crc.data(), thermal))
+            continue;
+        const std::uint32_t recorded =
+            store::GetDBCSFontCRC(p, context_.printerName, status.identity, thermal);
+        if (ReadU32(crc, 0) != recorded) {
+            channel::OutEraseFlashArea(p, context_.printerName, channel::kAreaDbcsThermal);
+            store::DeleteDBCSFontEntries(p, context_.printerName, status.identity);
+        }
+    }
+}
+
+void FontsPageModel::Open() {
+    Platform& p = *context_.platform;
+    dbcsChecked_ = false;
+    enabled_.clear();
+    store::ConnectionStatus status;
+    if (!ReadStatus(context_, status) || status.firmwareLevel == 0) {
+        names_ = FontNames{};
+        status_ = PrinterStatusText(*context_.strings, nullptr);
+        SetEnabled(kIdSlot1Label, kIdImpactLoad, false);
+        return;
+    }
+    ReconcileSingleByte(status);
+    ReconcileDoubleByte(status);
+    ReadNames();
+
+    switch (status.modelCode) {
+        case 2:
+        case 7:
+            if (channel::IsFlashWritable(p, context_.printerName)) {
+                dbcsChecked_ = true;
+                SetEnabled(kIdThermalGroup, kIdThermalLoad, true);
+                SetEnabled(kIdImpactGroup, kIdImpactLoad, status.modelCode == 2);
+            } else {
+                SetEnabled(kIdThermalGroup, kIdImpactLoad, false);
+            }
+            break;
+        case 9:
+            if (channel::IsHaldenPrinterDBCSReady(p, context_.printerName)) {
+                dbcsChecked_ = true;
+                SetEnabled(kIdThermalGroup, kIdImpactLoad, true);
+            } else {
+                SetEnabled(kIdThermalGroup, kIdImpactLoad, false);
+            }
+            break;
+        default:
+            SetEnabled(kIdDbcsEnabled, kIdImpactLoad, false);
+            break;
+    }
+    status_ = PrinterStatusText(*context_.strings, &status);
+}
+
+void FontsPageModel::Refresh() {
+    ReadNames();
+}
+
+void FontsPageModel::OnDbcsEnabledClicked(bool nowChecked) {
+    Platform& p = *context_.platform;
+    dbcsChecked_ = nowChecked;
+    bool noMemory = false;
+    {
+        WaitCursor wait(*context_.prompts);
+        store::ConnectionStatus status;
+        if (!ReadStatus(context_, status)) {
+            // No printer to switch: nothing is sent, nothing can be loaded.
+            SetEnabled(kIdThermalGroup, kIdImpactLoad, false);
+            return;
+        }
+        const std::uint32_t model = status.modelCode;
+        if (!nowChecked) {
+            if (model != 9)
+                channel::OutSetFlashWritable(p, context_.printerName, false);
+            SetEnabled(kIdThermalGroup, kIdImpactLoad, false);
+            return;
+        }
+        switch (model) {
+            case 2:
+                channel::OutSetFlashWritable(p, context_.printerName, true);
+                SetEnabled(kIdThermalGroup, kIdImpactLoad, true);
+                break;
+            case 7:
+                channel::OutSetFlashWritable(p, context_.printerName, true);
+                SetEnabled(kIdThermalGroup, kIdThermalLoad, true);
+                break;
+            case 9:
+                if (channel::IsHaldenPrinterDBCSReady(p, context_.printerName)) {
+                    SetEnabled(kIdThermalGroup, kIdImpactLoad, true);
+                } else {
+                    noMemory = true;
+                    SetEnabled(kIdThermalGroup, kIdImpactLoad, false);
+                }
+                break;
+            default:
+                SetEnabled(kIdImpactGroup, kIdImpactLoad, false);
+                break;
+        }
+    }
+    if (noMemory) {
+        context_.prompts->Show(page_, kNoDbcsMemoryText, kNoDbcsMemoryTitle,
+                               box::kOk | box::kIconError);
+    }
+    context_.prompts->Broadcast(RefreshMessage::Fonts, page_);
+}
+
+void FontsPageModel::LoadDbcsFont(bool thermal, const FileChooser& choose) {
+    SelectDBCSFont(Flow(), names_, thermal, choose);
+}
+
+}  // namespace kx20::fonts
