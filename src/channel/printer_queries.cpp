@@ -144,6 +144,11 @@ bool OutMaintenanceCommand(Platform& p, std::u16string_view printerName) {
     return SendPrinterCommand(p, printerName, true, command, reply).ok();
 }
 
+bool OutEraseArea(Platform& p, std::u16string_view printerName, std::uint8_t area) {
+    const std::uint8_t one[] = {area};
+    return EraseAreas(p, printerName, one);
+}
+
 bool OutEraseAllSectors(Platform& p, std::u16string_view printerName, std::uint32_t modelCode) {
     const std::uint8_t all[] = {kAreaLogos, kAreaMessages, kAreaFonts, kAreaSbcsThermal,
                                 kAreaDbcsThermal};

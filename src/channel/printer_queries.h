@@ -52,6 +52,10 @@ bool IsFlashWritable(Platform& p, std::u16string_view printerName);
 // printer to take it over.
 bool OutSetFlashWritable(Platform& p, std::u16string_view printerName, bool enable);
 
+// Erases one flash area (0x15 n, sent with the printer name); false when the monitor cannot be
+// loaded or the command fails.
+bool OutEraseArea(Platform& p, std::u16string_view printerName, std::uint8_t area);
+
 bool OutMaintenanceCommand(Platform& p, std::u16string_view printerName);
 // Erase every area (logos, messages, single-byte fonts, and the thermal double-byte area on
 // the models that have one), or only the font areas. Every command is sent even after one

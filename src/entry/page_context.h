@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "devmode/apply_state.h"
 #include "devmode/devmode.h"
 #include "devmode/printer_settings.h"
 #include "platform/platform.h"
@@ -18,7 +19,7 @@ namespace kx20 {
 // What the pages know of the printer's port when the sheet opens: its connection status
 // record, all zero and the identity empty when it cannot be read.
 struct PortSummary {
-    bool present = false;            // the status record was read and is valid
+    bool present = false;  // the status record was read and is valid
     std::uint32_t modelCode = 0;
     std::uint8_t firmwareLevel = 0;
     bool connected = false;
@@ -43,6 +44,9 @@ struct PageContext {
     // Document sheet only.
     DevModeImage pageCopy{};
     WindowId sheetWindow = 0;  // set by the pages
+    // The apply-state record shared by the device settings and options pages; the device
+    // settings page makes it the sheet frame's window data.
+    ApplyState applyState;
 };
 
 }  // namespace kx20
