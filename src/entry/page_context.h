@@ -19,7 +19,7 @@ namespace kx20 {
 // What the pages know of the printer's port when the sheet opens: its connection status
 // record, all zero and the identity empty when it cannot be read.
 struct PortSummary {
-    bool present = false;  // the status record was read and is valid
+    bool present = false;            // the status record was read and is valid
     std::uint32_t modelCode = 0;
     std::uint8_t firmwareLevel = 0;
     bool connected = false;
