@@ -109,36 +109,38 @@ StationEntry StationPageModel::Missing(std::u16string text) const {
     return entry;
 }
 
-std::vector<StationEntry> StationPageModel::LogoEntries(std::uint32_t chosen) const {
+std::vector<StationEntry> StationPageModel::ItemEntries(std::vector<StationEntry> items,
+                                                        std::uint32_t chosen,
+                                                        std::u16string_view chosenText) const {
     std::vector<StationEntry> out{{PageString(ctx_, docstr::kNoChoice)}};
     bool found = chosen == 0;
-    for (const store::LogoRecord& logo : logos_) {
-        out.push_back({Format(PageString(ctx_, docstr::kLogoEntry), logo.number), logo.number});
-        found = found || logo.number == chosen;
+    for (StationEntry& item : items) {
+        found = found || item.number == chosen;
+        out.push_back(std::move(item));
     }
     if (!found) {
-        StationEntry entry = Missing(Format(PageString(ctx_, docstr::kLogoEntry), chosen));
+        StationEntry entry = Missing(std::u16string(chosenText));
         entry.number = chosen;
         out.push_back(entry);
     }
     return out;
 }
 
+std::vector<StationEntry> StationPageModel::LogoEntries(std::uint32_t chosen) const {
+    const std::u16string format = PageString(ctx_, docstr::kLogoEntry);
+    std::vector<StationEntry> items;
+    for (const store::LogoRecord& logo : logos_)
+        items.push_back({Format(format, logo.number), logo.number});
+    return ItemEntries(std::move(items), chosen, Format(format, chosen));
+}
+
 std::vector<StationEntry> StationPageModel::MessageEntries(std::uint32_t chosen) const {
-    std::vector<StationEntry> out{{PageString(ctx_, docstr::kNoChoice)}};
-    bool found = chosen == 0;
-    for (const store::MessageRecord& message : messages_) {
-        out.push_back({Format(PageString(ctx_, docstr::kMessageEntry), message.number,
-                              FirstLine(message.text)),
-                       message.number});
-        found = found || message.number == chosen;
-    }
-    if (!found) {
-        StationEntry entry = Missing(Format(PageString(ctx_, docstr::kMessageNumber), chosen));
-        entry.number = chosen;
-        out.push_back(entry);
-    }
-    return out;
+    const std::u16string format = PageString(ctx_, docstr::kMessageEntry);
+    std::vector<StationEntry> items;
+    for (const store::MessageRecord& message : messages_)
+        items.push_back({Format(format, message.number, FirstLine(message.text)), message.number});
+    return ItemEntries(std::move(items), chosen,
+                       Format(PageString(ctx_, docstr::kMessageNumber), chosen));
 }
 
 std::vector<StationEntry> StationPageModel::FontEntries() const {

@@ -72,6 +72,9 @@ class StationPageModel {
   private:
     void ReadCatalogue();
     void BuildEntries();
+    // "None", the items, and the chosen item as an entry of its own when it is not among them.
+    std::vector<StationEntry> ItemEntries(std::vector<StationEntry> items, std::uint32_t chosen,
+                                          std::u16string_view chosenText) const;
     std::vector<StationEntry> LogoEntries(std::uint32_t chosen) const;
     std::vector<StationEntry> MessageEntries(std::uint32_t chosen) const;
     std::vector<StationEntry> FontEntries() const;
