@@ -212,13 +212,5 @@ TEST_F(DeviceSettingsPage, RefusedEraseKeepsTheCatalogueAndSaysSo) {
     EXPECT_EQ(PaperSize(), 257) << "the paper is applied all the same";
 }
 
-TEST_F(DeviceSettingsPage, StatusComesFromThePortSummary) {
-    DeviceSettingsPageModel page(ctx);
-    page.Init(ctx.applyState);
-    EXPECT_EQ(page.StatusText(), Text(3002));
-    ctx.port = {true, 9, 0x40, true, u"KX20SIM1"};
-    EXPECT_EQ(page.StatusText(), u"Printer KX20SIM1 (model 9) is connected.");
-}
-
 }  // namespace
 }  // namespace kx20
