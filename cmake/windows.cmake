@@ -35,6 +35,11 @@ target_link_options(kvorsgui PRIVATE ${KX20_STATIC_LINK} -Wl,--enable-stdcall-fi
 # KVORSENU.DLL: resource module (dialogs, strings). Its string table comes from the same
 # source as the core's built-in table.
 add_library(kvorsenu SHARED ${CMAKE_SOURCE_DIR}/res/kvorsenu.rc ${CMAKE_SOURCE_DIR}/res/kvorsenu_main.c)
+# windres leaves no dependency file: name the files the script includes, so that a changed
+# string, template or control id rebuilds the module.
+file(GLOB KX20_RC_INCLUDES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/res/*.inc ${CMAKE_SOURCE_DIR}/res/*.h
+     ${CMAKE_SOURCE_DIR}/res/dialogs/*.rc)
+set_source_files_properties(${CMAKE_SOURCE_DIR}/res/kvorsenu.rc PROPERTIES OBJECT_DEPENDS "${KX20_RC_INCLUDES}")
 set_target_properties(kvorsenu PROPERTIES PREFIX "" OUTPUT_NAME KVORSENU SUFFIX ".DLL")
 target_include_directories(kvorsenu PRIVATE ${CMAKE_SOURCE_DIR}/res)
 target_link_options(kvorsenu PRIVATE ${KX20_STATIC_LINK})

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "devmode/apply_state.h"
 #include "devmode/devmode.h"
 #include "devmode/printer_settings.h"
 #include "platform/platform.h"
@@ -43,6 +44,9 @@ struct PageContext {
     // Document sheet only.
     DevModeImage pageCopy{};
     WindowId sheetWindow = 0;  // set by the pages
+    // The apply-state record shared by the device settings and options pages; the device
+    // settings page makes it the sheet frame's window data.
+    ApplyState applyState;
 };
 
 }  // namespace kx20

@@ -302,6 +302,27 @@ bool GetSBCSFontName(Platform& p, std::u16string_view printerName, std::uint32_t
     return true;
 }
 
+bool GetDownloadedSBCSFontName(Platform& p, std::u16string_view printerName, std::u16string& name) {
+    std::u16string id;
+    if (!AttachedIdentity(p, printerName, id))
+        return false;
+    auto key = OpenFontsKey(p, printerName);
+    if (!key)
+        return false;
+    bool found = false;
+    ForEachValueName(*key, [&](const std::u16string& valueName) {
+        if (!Contains(valueName, id) || !Contains(valueName, kSbcsFontTag))
+            return false;
+        auto record = ReadLargeFontValue(*key, valueName);
+        if (!record)
+            return false;
+        name = FaceNameOf(*record);
+        found = true;
+        return true;
+    });
+    return found;
+}
+
 bool GetMessageText(Platform& p, std::u16string_view printerName, std::uint32_t number,
                     std::u16string& text) {
     std::u16string id;

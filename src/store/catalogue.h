@@ -107,6 +107,10 @@ bool GetDBCSFontName(Platform& p, std::u16string_view printerName, bool thermal,
 // `name` is left as it was when there is none.
 bool GetSBCSFontName(Platform& p, std::u16string_view printerName, std::uint32_t number,
                      std::u16string& name);
+// The face name of the attached printer's first downloaded single-byte font (the first
+// "_sbcsfont" record large enough to be one, in enumeration order); `name` is left as it was
+// when none is registered.
+bool GetDownloadedSBCSFontName(Platform& p, std::u16string_view printerName, std::u16string& name);
 bool GetMessageText(Platform& p, std::u16string_view printerName, std::uint32_t number,
                     std::u16string& text);
 

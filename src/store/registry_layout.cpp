@@ -291,6 +291,19 @@ bool IsSerialConnection(Platform& p, std::u16string_view portName) {
     return type && *type != 0;
 }
 
+bool GetPortConnectionType(Platform& p, std::u16string_view portName, std::uint32_t& type) {
+    if (IsFilePort(portName))
+        return false;
+    auto key = OpenExistingPortKey(p, portName, KeyAccess::Read, /*stamp=*/false);
+    if (!key)
+        return false;
+    auto value = ReadDwordValue(*key, kTypeValue);
+    if (!value)
+        return false;
+    type = *value;
+    return true;
+}
+
 bool GetLastPrinterFlag(Platform& p, std::u16string_view portName) {
     if (IsFilePort(portName))
         return false;

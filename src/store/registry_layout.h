@@ -97,6 +97,9 @@ bool HasDbcsArea(std::uint32_t modelCode);
 bool GetMonitorDriverName(Platform& p, std::u16string& name);
 bool IsPortTypeNonZero(Platform& p, std::u16string_view portName);
 bool IsSerialConnection(Platform& p, std::u16string_view portName);
+// The port's connection type (`TYPE`) as the port monitor wrote it, read without stamping the
+// key; false for "FILE:", a missing key or a missing value.
+bool GetPortConnectionType(Platform& p, std::u16string_view portName, std::uint32_t& type);
 bool GetLastPrinterFlag(Platform& p, std::u16string_view portName);
 bool SetLastPrinterFlag(Platform& p, std::u16string_view portName, std::uint32_t flag);
 

@@ -1,0 +1,29 @@
+// Dialog procedures of the document sheet's pages. Each page's parameter (the lParam of its
+// page description) is the sheet's kx20::PageContext.
+#pragma once
+
+#include "platform/win32/windows_clean.h"
+
+#include <string_view>
+
+// 1003: station and roll paper of the job.
+INT_PTR CALLBACK DeviceSettingsPageProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+// 1004: the job options.
+INT_PTR CALLBACK GuiOptionsDlgProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+// 1005 and 1006: logos, messages and font of the first and the second station; the page's
+// dialog template tells which.
+INT_PTR CALLBACK StationPageProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+
+namespace kx20 {
+
+// What the sheet's pages tell each other through PSM_QUERYSIBLINGS (wParam): the device
+// settings page changed the station or the paper.
+inline constexpr WPARAM kDeviceSettingsChanged = 0x4B58;  // "KX"
+
+// Paints a station page's logo preview frame until the picture preview painter takes over:
+// the 3D-face colour, a sunken edge and the chosen logo's name. The picture itself is not
+// drawn yet.
+void PaintLogoPreviewPlaceholder(HDC dc, const RECT& frame, HFONT font,
+                                 std::u16string_view logoName);
+
+}  // namespace kx20

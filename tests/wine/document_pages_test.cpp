@@ -1,0 +1,421 @@
+// The document sheet's four pages as windows: made from KVORSENU.DLL's templates with their
+// dialog procedures, shown in a modeless property sheet over the Win32 adapters, driven by
+// messages, and read back from the page copy of the device mode. Screenshots of the pages go
+// to screenshots/ in the build folder.
+#include "platform/win32/windows_clean.h"
+
+#include <commctrl.h>
+#include <prsht.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "channel/command_start.h"
+#include "channel/job_channel.h"
+#include "channel/printer_queries.h"
+#include "devmode/devmode.h"
+#include "devmode/win32/document_pages.h"
+#include "entry/page_context.h"
+#include "ids_document_pages.h"
+#include "platform/text.h"
+#include "platform/win32/win32_platform.h"
+#include "platform/win32/win32_prompts.h"
+#include "platform/win32/win32_resources.h"
+#include "platform/win32/win32_text.h"
+#include "store/catalogue.h"
+#include "store/registry_layout.h"
+#include "tests/wine/wine_environment.h"
+#include "tools/winhost/driver_install.h"
+#include "tools/winhost/sim_control.h"
+
+namespace kx20::winetest {
+namespace {
+
+constexpr char16_t kPrinter[] = u"KX20";
+constexpr int kDeviceSettingsPage = 0;
+constexpr int kOptionsPage = 1;
+constexpr int kFirstStationPage = 2;
+constexpr int kSecondStationPage = 3;
+
+// Answers the next message box of this thread from a timer, which the box's own modal loop
+// runs, and remembers what the box said.
+struct BoxAnswer {
+    int answer = IDNO;
+    std::wstring text;
+    int seen = 0;
+};
+BoxAnswer g_box;
+
+BOOL CALLBACK CollectText(HWND child, LPARAM) {
+    wchar_t buf[512] = {};
+    GetWindowTextW(child, buf, 512);
+    g_box.text += buf;
+    return TRUE;
+}
+
+BOOL CALLBACK FindBox(HWND window, LPARAM) {
+    wchar_t cls[32] = {};
+    GetClassNameW(window, cls, 32);
+    if (std::wstring(cls) != L"#32770" || !GetWindow(window, GW_OWNER) || !IsWindowVisible(window))
+        return TRUE;
+    EnumChildWindows(window, CollectText, 0);
+    ++g_box.seen;
+    PostMessageW(window, WM_COMMAND, g_box.answer, 0);
+    return FALSE;
+}
+
+void CALLBACK AnswerBox(HWND, UINT, UINT_PTR timer, DWORD) {
+    const int before = g_box.seen;
+    EnumThreadWindows(GetCurrentThreadId(), FindBox, 0);
+    if (g_box.seen != before)
+        KillTimer(nullptr, timer);
+}
+
+std::string Narrow(const std::wstring& s) {
+    return std::string(s.begin(), s.end());
+}
+
+class DocumentSheet : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(sim_.Loaded());
+        ASSERT_EQ(sim_.Control(L"reset"), 0u);
+        ASSERT_EQ(sim_.Control(L"connect"), 0u);
+        resources_ = LoadLibraryW((winhost::ProgramFolder() + L"KVORSENU.DLL").c_str());
+        ASSERT_NE(resources_, nullptr);
+        strings_ = std::make_unique<Win32ResourceStrings>(resources_);
+
+        ctx_.platform = &win32_.ports;
+        ctx_.prompts = &prompts_;
+        ctx_.strings = strings_.get();
+        ctx_.printerName = kPrinter;
+        // The record an application gets from the printer, as the sheet starts from it.
+        ScopedPrinter printer;
+        ASSERT_NE(printer.get(), nullptr);
+        ASSERT_EQ(DocumentPropertiesW(nullptr, printer.get(), const_cast<LPWSTR>(kPrinterName),
+                                      reinterpret_cast<DEVMODEW*>(ctx_.pageCopy.data()), nullptr,
+                                      DM_OUT_BUFFER),
+                  IDOK);
+        ctx_.docDevMode = &ctx_.pageCopy;
+
+        Platform& p = win32_.ports;
+        store::ConnectionStatus status;
+        ASSERT_TRUE(store::GetConnectionStatus(p, store::PrinterPortName(p, kPrinter), status));
+        ctx_.port = {true, status.modelCode, status.firmwareLevel, status.connected,
+                     status.identity};
+        id_ = status.identity;
+        store::DeleteLogoEntries(p, kPrinter, id_);
+        store::DeleteMessageEntries(p, kPrinter, id_);
+        g_box = {};
+    }
+
+    void TearDown() override {
+        if (sheet_)
+            DestroyWindow(sheet_);
+        Pump();
+        if (resources_)
+            FreeLibrary(resources_);
+    }
+
+    void Open() {
+        const DLGPROC procs[4] = {DeviceSettingsPageProc, GuiOptionsDlgProc, StationPageProc,
+                                  StationPageProc};
+        PROPSHEETPAGEW pages[4] = {};
+        for (int i = 0; i < 4; ++i) {
+            pages[i].dwSize = sizeof(PROPSHEETPAGEW);
+            pages[i].dwFlags = PSP_USETITLE | PSP_HASHELP | PSP_PREMATURE;
+            pages[i].hInstance = resources_;
+            pages[i].pszTemplate = MAKEINTRESOURCEW(IDD_DEVICE_SETTINGS + i);
+            pages[i].pszTitle = MAKEINTRESOURCEW(IDD_DEVICE_SETTINGS + i);
+            pages[i].pfnDlgProc = procs[i];
+            pages[i].lParam = reinterpret_cast<LPARAM>(&ctx_);
+        }
+        PROPSHEETHEADERW header = {};
+        header.dwSize = sizeof(header);
+        header.dwFlags = PSH_PROPSHEETPAGE | PSH_MODELESS;
+        header.hInstance = resources_;
+        header.pszCaption = L"KX20 Document Properties";
+        header.nPages = 4;
+        header.ppsp = pages;
+        sheet_ = reinterpret_cast<HWND>(PropertySheetW(&header));
+        ASSERT_NE(sheet_, nullptr);
+        Pump();
+    }
+
+    void Pump() {
+        MSG msg;
+        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            if (sheet_ && PropSheet_IsDialogMessage(sheet_, &msg))
+                continue;
+            TranslateMessage(&msg);
+            DispatchMessageW(&msg);
+        }
+    }
+
+    HWND Page(int index) {
+        return reinterpret_cast<HWND>(SendMessageW(sheet_, PSM_INDEXTOHWND, index, 0));
+    }
+    HWND Show(int index) {
+        SendMessageW(sheet_, PSM_SETCURSEL, index, 0);
+        Pump();
+        return Page(index);
+    }
+    void Click(HWND page, int control) {
+        SendDlgItemMessageW(page, control, BM_CLICK, 0, 0);
+        Pump();
+    }
+    void Choose(HWND page, int control, int index) {
+        HWND list = GetDlgItem(page, control);
+        SendMessageW(list, CB_SETCURSEL, index, 0);
+        SendMessageW(page, WM_COMMAND, MAKEWPARAM(control, CBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(list));
+        Pump();
+    }
+    void Apply() {
+        SendMessageW(sheet_, PSM_PRESSBUTTON, PSBTN_APPLYNOW, 0);
+        Pump();
+    }
+    std::vector<std::wstring> Items(HWND page, int control) {
+        std::vector<std::wstring> out;
+        const int count = static_cast<int>(SendDlgItemMessageW(page, control, CB_GETCOUNT, 0, 0));
+        for (int i = 0; i < count; ++i) {
+            wchar_t buf[300] = {};
+            SendDlgItemMessageW(page, control, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(buf));
+            out.push_back(buf);
+        }
+        return out;
+    }
+    int Selected(HWND page, int control) {
+        return static_cast<int>(SendDlgItemMessageW(page, control, CB_GETCURSEL, 0, 0));
+    }
+    std::wstring Text(HWND page, int control) {
+        wchar_t buf[300] = {};
+        GetDlgItemTextW(page, control, buf, 300);
+        return buf;
+    }
+    std::wstring String(std::uint32_t id) { return ToWide(strings_->Load(id).value_or(u"")); }
+    MutableByteSpan Priv() { return MutableByteSpan(ctx_.pageCopy).subspan(kDevModePublicSize); }
+
+    // Saves the sheet as it shows now, as screenshots/NAME.png in the build folder, with
+    // ImageMagick's import on the virtual display. The picture is written under a temporary
+    // name and renamed when complete; until then the sheet keeps painting.
+    void Screenshot(const std::wstring& name) {
+        // The client area: with no window manager on the display, nobody draws the caption.
+        RECT r;
+        GetClientRect(sheet_, &r);
+        MapWindowPoints(sheet_, nullptr, reinterpret_cast<POINT*>(&r), 2);
+        RedrawWindow(sheet_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        Pump();
+        const std::wstring folder = winhost::ProgramFolder() + L"screenshots";
+        CreateDirectoryW(folder.c_str(), nullptr);
+        const std::wstring file = folder + L"\\" + name + L".png";
+        DeleteFileW(file.c_str());
+        const std::string unixFile = UnixPath(file);
+        ASSERT_FALSE(unixFile.empty());
+        wchar_t geometry[64];
+        swprintf(geometry, 64, L"%ldx%ld+%ld+%ld", r.right - r.left, r.bottom - r.top, r.left,
+                 r.top);
+        std::wstring command = L"/bin/sh -c \"import -window root -crop " + std::wstring(geometry) +
+                               L" '" + Wide(unixFile) + L".tmp.png' && mv '" + Wide(unixFile) +
+                               L".tmp.png' '" + Wide(unixFile) + L"'\"";
+        STARTUPINFOW si = {};
+        si.cb = sizeof si;
+        PROCESS_INFORMATION pi = {};
+        ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                                   nullptr, &si, &pi));
+        CloseHandle(pi.hThread);
+        CloseHandle(pi.hProcess);
+        // Waits go through the clock port; 600 rounds of 50 ms are a generous bound.
+        for (int round = 0; round < 600; ++round) {
+            if (GetFileAttributesW(file.c_str()) != INVALID_FILE_ATTRIBUTES)
+                return;
+            Pump();
+            win32_.clock.Sleep(50);
+        }
+        ADD_FAILURE() << "no screenshot " << Narrow(name);
+    }
+
+    static std::wstring Wide(const std::string& s) { return std::wstring(s.begin(), s.end()); }
+    static std::string UnixPath(const std::wstring& path) {
+        using Fn = char*(CDECL*)(LPCWSTR);
+        auto fn = reinterpret_cast<Fn>(reinterpret_cast<void*>(
+            GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
+        if (!fn)
+            return {};
+        char* unix = fn(path.c_str());
+        std::string out = unix ? unix : "";
+        HeapFree(GetProcessHeap(), 0, unix);
+        return out;
+    }
+
+    // A logo really downloaded into the simulated printer and registered, as the logos page
+    // leaves it.
+    void DownloadLogo(std::uint8_t number) {
+        Bytes block(channel::kCommandStart.begin(), channel::kCommandStart.end());
+        block.insert(block.end(), {0x0F, number, 2, 1});
+        for (int i = 0; i < 16; ++i) block.push_back(static_cast<std::uint8_t>(0x81));
+        block.push_back(0xFF);
+        ASSERT_TRUE(
+            channel::SendRawJobAndWait(*strings_, win32_.ports, kPrinter, 1, number, block));
+        RegisterLogo(number);
+    }
+    void RegisterLogo(std::uint32_t number) {
+        const Bytes picture(64, static_cast<std::uint8_t>(number));
+        ASSERT_TRUE(store::RegisterLogo(win32_.ports, number, 1, 1, 64, picture, id_, kPrinter));
+    }
+
+    Win32Platform win32_;
+    Win32Prompts prompts_;
+    winhost::SimulatedPrinterControl sim_{PortPath()};
+    HMODULE resources_ = nullptr;
+    std::unique_ptr<Win32ResourceStrings> strings_;
+    PageContext ctx_;
+    std::u16string id_;
+    HWND sheet_ = nullptr;
+};
+
+TEST_F(DocumentSheet, OptionsChangedInTheSheetReachThePageCopy) {
+    Open();
+    HWND options = Show(kOptionsPage);
+    ASSERT_NE(options, nullptr);
+    EXPECT_EQ(Text(options, IDC_OPT_MODE_GROUP), String(1060));
+    EXPECT_EQ(IsDlgButtonChecked(options, IDC_OPT_MODE_FIRST), BST_CHECKED);
+    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(options, IDC_OPT_CHOICE)));
+    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(options, IDC_OPT_LIST_72)))
+        << "the simulated USB port offers no flow control";
+    EXPECT_EQ(Items(options, IDC_OPT_FONT)[0], L"Do not override font");
+
+    Click(options, IDC_OPT_MODE_SECOND);
+    EXPECT_TRUE(IsWindowEnabled(GetDlgItem(options, IDC_OPT_CHOICE)));
+    EXPECT_EQ(Items(options, IDC_OPT_CHOICE),
+              (std::vector<std::wstring>{String(2071), String(2072), String(2073)}));
+    Choose(options, IDC_OPT_CHOICE, 2);
+    Click(options, IDC_OPT_CUT_PAPER);
+    Click(options, IDC_OPT_FLAG_56);
+    Choose(options, IDC_OPT_LIST_76, 4);
+    Choose(options, IDC_OPT_FONT, 4);
+    Apply();
+
+    EXPECT_EQ(ReadU32(Priv(), kPrivOptionsModeFlag), 0u);
+    EXPECT_EQ(ReadU32(Priv(), kPrivOptionsChoice), 2u);
+    EXPECT_EQ(ReadU32(Priv(), kPrivBCutPaper), 0u);
+    EXPECT_EQ(ReadU32(Priv(), kPrivOptionFlag56), 1u);
+    EXPECT_EQ(ReadU32(Priv(), kPrivOptionChoice72), 2u);
+    EXPECT_EQ(ReadU32(Priv(), kPrivOptionChoice76), 4u);
+    EXPECT_EQ(ReadUtf16Field(Priv(), kPrivFontOverrideName, 256), u"Override using Font B");
+    EXPECT_EQ(ctx_.applyState.bOptionsCutPaper, 0u) << "the record on the sheet frame";
+    EXPECT_EQ(ctx_.applyState.fontOverrideText, u"Override using Font B");
+}
+
+TEST_F(DocumentSheet, DocumentStationChosenOnTheDeviceSettingsPageChangesTheOptionsPage) {
+    Open();
+    HWND device = Show(kDeviceSettingsPage);
+    EXPECT_EQ(Items(device, IDC_DS_STATION),
+              (std::vector<std::wstring>{String(3005), String(3006)}));
+    EXPECT_EQ(Items(device, IDC_DS_PAPER).size(), 6u);
+    EXPECT_EQ(Selected(device, IDC_DS_PAPER), 2);
+    EXPECT_EQ(Text(device, IDC_DS_STATION_NOTE), String(3008));
+    Choose(device, IDC_DS_STATION, 1);
+    EXPECT_EQ(Text(device, IDC_DS_STATION_NOTE), String(3009));
+
+    HWND options = Show(kOptionsPage);
+    EXPECT_EQ(IsDlgButtonChecked(options, IDC_OPT_MODE_FIRST), BST_CHECKED);
+    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(options, IDC_OPT_MODE_FIRST)));
+    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(options, IDC_OPT_MODE_SECOND)));
+    EXPECT_EQ(Text(options, IDC_OPT_CUT_PAPER), String(1071));
+    const auto fonts = Items(options, IDC_OPT_FONT);
+    EXPECT_EQ(std::count(fonts.begin(), fonts.end(), L"Override using Font C"), 0);
+
+    Choose(device, IDC_DS_PAPER, 5);  // wider: nothing to ask
+    Apply();
+    EXPECT_EQ(ReadU32(Priv(), kPrivBReceiptStation), 0u);
+    EXPECT_EQ(ReadDmShort(ctx_.pageCopy, kOffDmPaperSize), 262);
+    EXPECT_EQ(ReadU32(Priv(), kPrivOptionsModeFlag), 1u);
+    auto key = store::OpenDriverDataKey(win32_.ports, kPrinter);
+    ASSERT_TRUE(key);
+    const std::u16string flagName = DecimalText(GetCurrentProcessId()) + u"_ss";
+    EXPECT_EQ(ReadDwordValue(*key, flagName), 1u) << "the job prints on the document station";
+    EXPECT_EQ(g_box.seen, 0);
+}
+
+TEST_F(DocumentSheet, NarrowerPaperOffersToEraseTheLogosAndErasesThemOnYes) {
+    DownloadLogo(3);
+    std::uint8_t crc[4] = {};
+    ASSERT_TRUE(channel::GetLogosCRC(win32_.ports, true, kPrinter, crc));
+    ASSERT_NE(ReadU32(ByteSpan(crc, 4), 0), 0u);
+    Open();
+    HWND device = Show(kDeviceSettingsPage);
+    Choose(device, IDC_DS_PAPER, 4);  // 48 mm
+    g_box.answer = IDYES;
+    SetTimer(nullptr, 0, 50, AnswerBox);
+    Apply();
+    EXPECT_EQ(g_box.seen, 1);
+    EXPECT_NE(g_box.text.find(String(3012).substr(0, 20)), std::wstring::npos)
+        << Narrow(g_box.text);
+    ASSERT_TRUE(channel::GetLogosCRC(win32_.ports, true, kPrinter, crc));
+    EXPECT_EQ(ReadU32(ByteSpan(crc, 4), 0), 0u) << "the printer's logo area is empty";
+    EXPECT_TRUE(store::ReadLogoRecords(win32_.ports, kPrinter, id_).empty());
+    EXPECT_EQ(ReadDmShort(ctx_.pageCopy, kOffDmPaperSize), 261);
+}
+
+TEST_F(DocumentSheet, StationPagesListTheSimulatorsLogosAndStoreTheChoices) {
+    DownloadLogo(1);
+    RegisterLogo(4);
+    ASSERT_TRUE(store::RegisterMessage(win32_.ports, 2, u"Thank you for shopping\r\nSee you soon",
+                                       id_, kPrinter));
+    Open();
+    HWND first = Show(kFirstStationPage);
+    EXPECT_EQ(Items(first, IDC_ST_HEADER_LOGO),
+              (std::vector<std::wstring>{L"(None)", L"Logo 1", L"Logo 4"}));
+    EXPECT_EQ(Items(first, IDC_ST_TOP_MESSAGE)[1], L"Message 2: Thank you for shopping");
+    Choose(first, IDC_ST_HEADER_LOGO, 2);
+    Choose(first, IDC_ST_TOP_MESSAGE, 1);
+    EXPECT_EQ(Text(first, IDC_ST_TOP_TEXT), L"Thank you for shopping\r\nSee you soon");
+    HWND second = Show(kSecondStationPage);
+    EXPECT_EQ(Items(second, IDC_ST_FONT), (std::vector<std::wstring>{L"Font A", L"Font B"}));
+    Choose(second, IDC_ST_FOOTER_LOGO, 1);
+
+    // A logo stored meanwhile (the logos page broadcasts the refresh) appears at once.
+    RegisterLogo(2);
+    prompts_.Broadcast(RefreshMessage::Logos, 0);
+    Pump();
+    EXPECT_EQ(Items(first, IDC_ST_HEADER_LOGO),
+              (std::vector<std::wstring>{L"(None)", L"Logo 1", L"Logo 2", L"Logo 4"}));
+    EXPECT_EQ(Selected(first, IDC_ST_HEADER_LOGO), 3) << "the choice follows its logo";
+    Apply();
+
+    EXPECT_EQ(ReadU32(Priv(), kPrivFirstStation + 8), 4u);
+    EXPECT_EQ(ReadU32(Priv(), kPrivFirstStation + 16), 2u);
+    EXPECT_EQ(ReadU32(Priv(), kPrivSecondStation + 12), 1u);
+    EXPECT_EQ(ReadU32(Priv(), kPrivSecondStation + 8), 0u);
+    EXPECT_EQ(ReadUtf16Field(Priv(), kPrivFirstStation + kStationFontName, 256), u"Font A");
+}
+
+TEST_F(DocumentSheet, ScreenshotsOfTheFourPages) {
+    DownloadLogo(1);
+    RegisterLogo(5);
+    ASSERT_TRUE(store::RegisterMessage(win32_.ports, 1, u"Welcome to our shop", id_, kPrinter));
+    ASSERT_TRUE(store::RegisterMessage(win32_.ports, 2, u"Thank you, come again!", id_, kPrinter));
+    WriteU32(Priv(), kPrivFirstStation + 8, 1);
+    WriteU32(Priv(), kPrivFirstStation + 12, 5);
+    WriteU32(Priv(), kPrivFirstStation + 16, 1);
+    WriteU32(Priv(), kPrivFirstStation + 20, 2);
+    WriteU32(Priv(), kPrivSecondStation + 12, 5);
+    WriteU32(Priv(), kPrivSecondStation + 16, 2);
+    Open();
+    Show(kDeviceSettingsPage);
+    Screenshot(L"device_settings");
+    Show(kOptionsPage);
+    Screenshot(L"options");
+    Show(kFirstStationPage);
+    Screenshot(L"station1");
+    Show(kSecondStationPage);
+    Screenshot(L"station2");
+}
+
+}  // namespace
+}  // namespace kx20::winetest
