@@ -35,6 +35,10 @@ target_link_options(kvorsgui PRIVATE ${KX20_STATIC_LINK} -Wl,--enable-stdcall-fi
 # KVORSENU.DLL: resource module (dialogs, strings). Its string table comes from the same
 # source as the core's built-in table.
 add_library(kvorsenu SHARED ${CMAKE_SOURCE_DIR}/res/kvorsenu.rc ${CMAKE_SOURCE_DIR}/res/kvorsenu_main.c)
+# windres's includes are not scanned: the module is rebuilt when any of its sources changes.
+file(GLOB KX20_RES_INCLUDES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/res/*.inc ${CMAKE_SOURCE_DIR}/res/*.h
+     ${CMAKE_SOURCE_DIR}/res/dialogs/*.rc)
+set_source_files_properties(${CMAKE_SOURCE_DIR}/res/kvorsenu.rc PROPERTIES OBJECT_DEPENDS "${KX20_RES_INCLUDES}")
 set_target_properties(kvorsenu PROPERTIES PREFIX "" OUTPUT_NAME KVORSENU SUFFIX ".DLL")
 target_include_directories(kvorsenu PRIVATE ${CMAKE_SOURCE_DIR}/res)
 target_link_options(kvorsenu PRIVATE ${KX20_STATIC_LINK})
@@ -83,7 +87,8 @@ endif()
 # Self-containment and export names of the shipped DLLs.
 add_test(NAME kvorsgui_dll_check
          COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsgui>
-                 DrvDocumentPropertySheets DrvConvertDevMode DevQueryPrintEx DevQueryPrint)
+                 DrvDocumentPropertySheets DrvConvertDevMode DrvDeviceCapabilities DevQueryPrintEx
+                 DevQueryPrint)
 add_test(NAME kvorsenu_dll_check COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsenu>)
 if(TARGET kvorsmon)
   add_test(NAME kvorsmon_dll_check

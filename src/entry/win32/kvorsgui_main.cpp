@@ -5,10 +5,12 @@
 #include <cstddef>
 
 #include "devmode/devmode.h"
+#include "entry/capabilities.h"
 #include "entry/document_properties.h"
 #include "entry/win32/ddi_types.h"
 #include "log/trace.h"
 #include "platform/win32/win32_platform.h"
+#include "platform/win32/win32_system.h"
 #include "platform/win32/win32_text.h"
 
 static_assert(offsetof(DEVMODEW, dmSpecVersion) == kx20::kOffDmSpecVersion);
@@ -126,6 +128,20 @@ extern "C" __declspec(dllexport) BOOL WINAPI
     if (!ok)
         SetLastError(lastError);
     return ok ? TRUE : FALSE;
+}
+
+// Only the low 16 bits of the capability count; the caller's output buffer is as large as the
+// capability's answer needs.
+extern "C" __declspec(dllexport) DWORD WINAPI
+    DrvDeviceCapabilities(HANDLE, PWSTR deviceName, DWORD capability, PVOID output, DEVMODEW*) {
+    using namespace kx20;
+    Win32Platform platform;
+    Win32System system;
+    MutableByteSpan out;
+    if (output)
+        out = {static_cast<std::uint8_t*>(output), CapabilityOutputSize(capability)};
+    return static_cast<DWORD>(AnswerCapability(platform.ports, system, FromWide(deviceName),
+                                               capability, out, output != nullptr));
 }
 
 extern "C" __declspec(dllexport) BOOL WINAPI DevQueryPrintEx(void*) {

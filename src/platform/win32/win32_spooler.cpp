@@ -212,6 +212,12 @@ class Win32Printer : public SpoolerPrinter {
                 PRINTER_INFO_6 i = {info.status};
                 return ::SetPrinterW(h_, 6, reinterpret_cast<LPBYTE>(&i), 0) != FALSE;
             }
+            case 8:
+            case 9: {
+                // Levels 8 (global) and 9 (per-user) carry the device mode alone.
+                PRINTER_INFO_8W i = {dmPtr};
+                return ::SetPrinterW(h_, level, reinterpret_cast<LPBYTE>(&i), 0) != FALSE;
+            }
             default:
                 SetLastError(ERROR_INVALID_LEVEL);
                 return false;
