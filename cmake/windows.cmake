@@ -87,8 +87,8 @@ endif()
 # Self-containment and export names of the shipped DLLs.
 add_test(NAME kvorsgui_dll_check
          COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsgui>
-                 DrvDocumentPropertySheets DrvConvertDevMode DrvDeviceCapabilities DevQueryPrintEx
-                 DevQueryPrint)
+                 DrvDocumentPropertySheets DrvConvertDevMode DrvDeviceCapabilities DrvDocumentEvent
+                 DrvPrinterEvent DrvUpgradePrinter DevQueryPrintEx DevQueryPrint)
 add_test(NAME kvorsenu_dll_check COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsenu>)
 if(TARGET kvorsmon)
   add_test(NAME kvorsmon_dll_check

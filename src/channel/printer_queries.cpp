@@ -151,6 +151,11 @@ bool OutEraseAllSectors(Platform& p, std::u16string_view printerName, std::uint3
     return EraseAreas(p, printerName, std::span(all, count));
 }
 
+bool OutEraseArea(Platform& p, std::u16string_view printerName, std::uint8_t area) {
+    const std::uint8_t one[] = {area};
+    return EraseAreas(p, printerName, std::span(one, 1));
+}
+
 bool OutEraseAllFontSectors(Platform& p, std::u16string_view printerName, std::uint32_t modelCode) {
     DrvTrace(u"-> OutEraseAllFontSectors\n");
     const std::uint8_t fonts[] = {kAreaFonts, kAreaSbcsThermal, kAreaDbcsThermal};

@@ -58,6 +58,8 @@ bool OutMaintenanceCommand(Platform& p, std::u16string_view printerName);
 // fails; the answer is false if any failed.
 bool OutEraseAllSectors(Platform& p, std::u16string_view printerName, std::uint32_t modelCode);
 bool OutEraseAllFontSectors(Platform& p, std::u16string_view printerName, std::uint32_t modelCode);
+// Erases one flash area (0x15 area, printer name passed).
+bool OutEraseArea(Platform& p, std::u16string_view printerName, std::uint8_t area);
 
 // Serial reset first, else buffered, else immediate; always waits kResetWaitMs afterwards.
 void ResetKX20Printer(Platform& p, bool serial, bool buffered, std::u16string_view printerName,

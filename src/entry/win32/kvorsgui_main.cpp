@@ -6,10 +6,14 @@
 
 #include "devmode/devmode.h"
 #include "entry/capabilities.h"
+#include "entry/document_event.h"
 #include "entry/document_properties.h"
+#include "entry/printer_event.h"
 #include "entry/win32/ddi_types.h"
 #include "log/trace.h"
 #include "platform/win32/win32_platform.h"
+#include "platform/win32/win32_prompts.h"
+#include "platform/win32/win32_sections.h"
 #include "platform/win32/win32_system.h"
 #include "platform/win32/win32_text.h"
 
@@ -142,6 +146,39 @@ extern "C" __declspec(dllexport) DWORD WINAPI
         out = {static_cast<std::uint8_t*>(output), CapabilityOutputSize(capability)};
     return static_cast<DWORD>(AnswerCapability(platform.ports, system, FromWide(deviceName),
                                                capability, out, output != nullptr));
+}
+
+// The create step's argument block is read as the driver has always read it: the job's device
+// mode is its sixth pointer-sized member. A block too short to hold that member counts as one
+// without a record.
+extern "C" __declspec(dllexport) int WINAPI
+    DrvDocumentEvent(HANDLE printer, HDC, int event, ULONG inSize, PVOID in, ULONG, PVOID) {
+    using namespace kx20;
+    constexpr std::size_t kDevModeMember = 5;
+    kx20::ByteSpan record;
+    if (event == docevent::kCreateDcPre && in && inSize >= (kDevModeMember + 1) * sizeof(void*)) {
+        auto* dm = static_cast<DEVMODEW**>(in)[kDevModeMember];
+        record = DeclaredRecord(dm);
+    }
+    Win32Sections sections;
+    return HandleDocumentEvent(sections, reinterpret_cast<std::uintptr_t>(printer), event, record);
+}
+
+extern "C" __declspec(dllexport) BOOL WINAPI
+    DrvPrinterEvent(LPWSTR printerName, INT event, DWORD, LPARAM) {
+    using namespace kx20;
+    Win32Platform platform;
+    Win32Prompts prompts;
+    return HandlePrinterEvent(platform.ports, prompts, FromWide(printerName), event) ? TRUE : FALSE;
+}
+
+extern "C" __declspec(dllexport) BOOL WINAPI DrvUpgradePrinter(DWORD level, LPBYTE info) {
+    using namespace kx20;
+    auto* upgrade = reinterpret_cast<DriverUpgradeInfo*>(info);
+    if (!upgrade)
+        return TRUE;
+    Win32Platform platform;
+    return UpgradePrinter(platform.ports, level, FromWide(upgrade->pPrinterName)) ? TRUE : FALSE;
 }
 
 extern "C" __declspec(dllexport) BOOL WINAPI DevQueryPrintEx(void*) {
