@@ -1,5 +1,6 @@
 // Exported entry points of the driver's user-interface module. Each turns the caller's
 // pointers into bounded spans and hands the work to the portable core over the Win32 ports.
+// The property-sheet entries are in sheet_entries.cpp.
 #include "platform/win32/windows_clean.h"
 
 #include <cstddef>
@@ -10,6 +11,7 @@
 #include "entry/document_properties.h"
 #include "entry/printer_event.h"
 #include "entry/win32/ddi_types.h"
+#include "entry/win32/entry_support.h"
 #include "log/trace.h"
 #include "platform/win32/win32_platform.h"
 #include "platform/win32/win32_prompts.h"
@@ -50,8 +52,6 @@ static_assert(sizeof(DEVMODEW) == kx20::kDevModePublicSize);
 
 namespace {
 
-HINSTANCE g_module = nullptr;
-
 // The trace writes through its own adapters, which live as long as the module.
 kx20::Win32FileSystem& TraceFiles() {
     static kx20::Win32FileSystem files;
@@ -62,58 +62,15 @@ kx20::Win32Clock& TraceClock() {
     return clock;
 }
 
-// A caller's device mode as the span it declares: its own dmSize + dmDriverExtra. Callers
-// hand only a pointer, so the declared extent is all there is to bound the record by.
-kx20::MutableByteSpan DeclaredRecord(DEVMODEW* dm) {
-    if (!dm)
-        return {};
-    std::size_t size = static_cast<std::size_t>(dm->dmSize) + dm->dmDriverExtra;
-    if (size < kx20::kOffDmFields + 4)
-        size = kx20::kOffDmFields + 4;
-    return {reinterpret_cast<std::uint8_t*>(dm), size};
-}
-
-std::uint32_t Low32(const void* p) {
-    return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(p));
-}
-
 }  // namespace
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
     if (reason == DLL_PROCESS_ATTACH) {
-        g_module = instance;
+        kx20::SetDriverModuleHandle(instance);
         DisableThreadLibraryCalls(instance);
         kx20::SetTraceTarget(&TraceFiles(), &TraceClock());
     }
     return TRUE;
-}
-
-extern "C" __declspec(dllexport) LONG WINAPI
-    DrvDocumentPropertySheets(PROPSHEETUI_INFO* info, LPARAM lParam) {
-    using namespace kx20;
-    auto* header = reinterpret_cast<DocumentPropertyHeader*>(info ? info->lParamInit : lParam);
-    if (!header)
-        return -1;
-    std::u16string printerName = TraceDocumentCall(
-        static_cast<std::uint32_t>(lParam), info != nullptr, FromWide(header->pszPrinterName),
-        Low32(header->pdmIn), Low32(header->pdmOut));
-    if (info && (header->fMode & kDmPrompt)) {
-        // The document sheet itself is not built yet.
-        DrvTrace(u"UNKNOWN Reason = %d\n", info->Reason);
-        DrvTrace(u"  Returning -1\n");
-        return -1;
-    }
-    Win32Platform platform;
-    std::int32_t outSize = static_cast<std::int32_t>(header->cbOut);
-    MutableByteSpan out;
-    if (header->pdmOut)
-        out = {reinterpret_cast<std::uint8_t*>(header->pdmOut),
-               header->cbOut ? header->cbOut : static_cast<DWORD>(kDevModeSize)};
-    DocumentRequest request{printerName, DeclaredRecord(header->pdmIn), out, header->fMode,
-                            outSize};
-    LONG result = DocumentPropertiesNoUi(platform.ports, request);
-    header->cbOut = static_cast<DWORD>(outSize);
-    return result;
 }
 
 extern "C" __declspec(dllexport) BOOL WINAPI
