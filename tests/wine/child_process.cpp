@@ -24,11 +24,12 @@ DriverModule::~DriverModule() {
         FreeLibrary(module_);
 }
 
-int RunChildRole(const std::wstring& role, const std::wstring& argument, std::string* output) {
+int RunChildRole(const std::wstring& role, const std::wstring& argument, std::string* output,
+                 const std::wstring& program) {
     wchar_t self[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, self, MAX_PATH);
-    std::wstring command =
-        L"\"" + std::wstring(self) + L"\" --child-role \"" + role + L"\" \"" + argument + L"\"";
+    const std::wstring exe = program.empty() ? std::wstring(self) : program;
+    std::wstring command = L"\"" + exe + L"\" --child-role \"" + role + L"\" \"" + argument + L"\"";
     SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
     HANDLE readEnd = nullptr, writeEnd = nullptr;
     if (!CreatePipe(&readEnd, &writeEnd, &inherit, 0))

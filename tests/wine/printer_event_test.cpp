@@ -147,5 +147,19 @@ TEST_F(PrinterEvents, ForeignDeviceModeIsReplacedByTheDriversOwn) {
     ClosePrinter(printer);
 }
 
+// The spooler's job queries: DevQueryPrintEx accepts every job; DevQueryPrint, forwarded to
+// the system, answers without ending the process where the system has no implementation.
+TEST(JobQueries, EveryJobMayPrint) {
+    DriverModule driver;
+    auto queryEx = driver.Entry<BOOL(WINAPI*)(void*)>("DevQueryPrintEx");
+    auto query = driver.Entry<BOOL(WINAPI*)(HANDLE, DEVMODEW*, DWORD*)>("DevQueryPrint");
+    ASSERT_NE(queryEx, nullptr);
+    ASSERT_NE(query, nullptr);
+    EXPECT_TRUE(queryEx(nullptr));
+    ScopedPrinter printer;
+    DWORD resource = 0;
+    EXPECT_TRUE(query(printer.get(), nullptr, &resource));
+}
+
 }  // namespace
 }  // namespace kx20::winetest

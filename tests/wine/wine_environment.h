@@ -46,7 +46,9 @@ class DriverModule {
 
 // The test program started again as a helper process: runs `role` with `argument` and answers
 // its exit code, and its standard output in `output`. Answers -1 when it cannot be started.
-int RunChildRole(const std::wstring& role, const std::wstring& argument, std::string* output);
+// `program` is another copy of the test program to start instead of this one.
+int RunChildRole(const std::wstring& role, const std::wstring& argument, std::string* output,
+                 const std::wstring& program = L"");
 
 // The roles the test program plays when started as a helper (wmain dispatches to this when its
 // first argument is "--child-role").

@@ -142,10 +142,16 @@ extern "C" __declspec(dllexport) BOOL WINAPI DevQueryPrintEx(void*) {
     return TRUE;
 }
 
-// Forwarded to the system's implementation in the spooler's client library.
+// Forwarded to the system's implementation, which the spooler's client library winspool.drv
+// exports. Wine's winspool.drv exports the name as an unimplemented stub, whose call ends the
+// calling process; under Wine the query answers TRUE, as DevQueryPrintEx does for every job.
 extern "C" __declspec(dllexport) BOOL WINAPI
     DevQueryPrint(HANDLE printer, DEVMODEW* devMode, DWORD* resourceId) {
     using Fn = BOOL(WINAPI*)(HANDLE, DEVMODEW*, DWORD*);
+    if (GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version")) {
+        kx20::DrvTrace(u"DevQueryPrint: no system implementation under Wine, returning TRUE\n");
+        return TRUE;
+    }
     HMODULE spool = LoadLibraryW(L"winspool.drv");
     if (!spool)
         return FALSE;

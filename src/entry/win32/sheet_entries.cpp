@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <type_traits>
 
 #include "entry/document_properties.h"
 #include "entry/property_sheets.h"
@@ -26,15 +27,33 @@ namespace kx20 {
 
 namespace {
 
+struct SheetState;
+
+// What the info's user data points at: the common-sheet description, with the way back to the
+// sheet's record right after it.
+struct SheetRecord {
+    COMPROPSHEETUI description;
+    SheetState* owner;
+};
+static_assert(std::is_standard_layout_v<SheetRecord>);
+
 struct SheetState {
+    SheetState() { record.owner = this; }
+    SheetState(const SheetState&) = delete;
+    SheetState& operator=(const SheetState&) = delete;
+    SheetRecord record{};
     Win32Platform platform;
     Win32System system{&PageDialogProc};
     Win32Prompts prompts;
     SheetPorts ports{platform.ports, system, prompts};
     std::unique_ptr<PageContext> context;
-    COMPROPSHEETUI description{};
     std::wstring callerName, helpFile, itemName;
 };
+
+SheetState* StateOf(const PROPSHEETUI_INFO* info) {
+    auto* record = reinterpret_cast<SheetRecord*>(info->UserData);
+    return record ? record->owner : nullptr;
+}
 
 LONG CALLBACK DeviceSheetCallback(PCPSUICBPARAM param) {
     if (!param)
@@ -56,7 +75,7 @@ void Describe(SheetState& s) {
     s.callerName = ToWide(c.driverName);
     s.helpFile = ToWide(c.helpPath);
     s.itemName = ToWide(c.printerName);
-    COMPROPSHEETUI& d = s.description;
+    COMPROPSHEETUI& d = s.record.description;
     d.cbSize = sizeof d;
     d.Flags = kCommonSheetFlags;
     d.hInstCaller = DriverModuleHandle();
@@ -78,7 +97,7 @@ void Describe(SheetState& s) {
 // the kept one afterwards (released at DESTROY).
 template <class Run>
 LONG WithSheetState(PROPSHEETUI_INFO* info, Run&& run) {
-    auto* kept = reinterpret_cast<SheetState*>(info->UserData);
+    SheetState* kept = StateOf(info);
     std::unique_ptr<SheetState> fresh;
     if (info->Reason == PROPSHEETUI_REASON_INIT || !kept) {
         fresh = std::make_unique<SheetState>();
@@ -95,7 +114,7 @@ LONG WithSheetState(PROPSHEETUI_INFO* info, Run&& run) {
     const LONG rc = run(state, call);
     info->Result = static_cast<LONG_PTR>(result);
     if (info->Reason == PROPSHEETUI_REASON_INIT && rc == 1 && state.context) {
-        info->UserData = reinterpret_cast<ULONG_PTR>(fresh.release());
+        info->UserData = reinterpret_cast<ULONG_PTR>(&fresh.release()->record.description);
     } else if (info->Reason == PROPSHEETUI_REASON_DESTROY && kept) {
         delete kept;
         info->UserData = 0;
