@@ -15,7 +15,7 @@
 
 #include "entry/win32/ddi_types.h"
 #include "tests/wine/sheet_pages.h"
-#include "tests/wine/window_driver.h"
+#include "tools/winhost/window_script.h"
 #include "tests/wine/wine_environment.h"
 
 namespace kx20::winetest {

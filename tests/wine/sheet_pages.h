@@ -7,9 +7,15 @@
 #include <string>
 #include <vector>
 
-#include "tests/wine/window_driver.h"
+#include "tools/winhost/window_script.h"
 
 namespace kx20::winetest {
+
+using winhost::FindThreadDialog;
+using winhost::FindThreadPropertySheet;
+using winhost::ModalDriver;
+using winhost::SaveScreenshot;
+using winhost::SheetTabTitles;
 
 struct ExpectedPage {
     UINT id;

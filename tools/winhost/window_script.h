@@ -1,5 +1,5 @@
-// Driving a modal window from the test itself: a thread timer runs the steps of a script once
-// the window is there, inside whatever message loop shows it, and the last step closes it.
+// Driving a modal window from the program that opened it: a thread timer runs the steps of a script
+// once the window is there, inside whatever message loop shows it, and the last step closes it.
 // Screenshots of the screen (the test's X display, under Xvfb when there is no display) are
 // saved as PNG files by ImageMagick's import, run on the unix side.
 #pragma once
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace kx20::winetest {
+namespace kx20::winhost {
 
 class ModalDriver {
   public:
@@ -51,4 +51,4 @@ std::vector<std::wstring> SheetTabTitles(HWND sheet);
 bool SaveScreenshot(const std::wstring& name);
 std::wstring ScreenshotPath(const std::wstring& name);
 
-}  // namespace kx20::winetest
+}  // namespace kx20::winhost

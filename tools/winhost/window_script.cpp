@@ -1,10 +1,10 @@
-#include "tests/wine/window_driver.h"
+#include "tools/winhost/window_script.h"
 
 #include <commctrl.h>
 
 #include "tools/winhost/driver_install.h"
 
-namespace kx20::winetest {
+namespace kx20::winhost {
 
 namespace {
 
@@ -135,4 +135,4 @@ bool SaveScreenshot(const std::wstring& name) {
     return status == 0 && GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
-}  // namespace kx20::winetest
+}  // namespace kx20::winhost
