@@ -4,18 +4,6 @@
 
 namespace kx20 {
 
-namespace {
-
-INT_PTR ShellPage(HWND page, UINT message, LPARAM lParam) {
-    if (message == WM_INITDIALOG) {
-        InitPage(page, lParam);
-        return TRUE;
-    }
-    return FALSE;
-}
-
-}  // namespace
-
 INT_PTR CALLBACK DeviceSettingsPageProc(HWND page, UINT message, WPARAM, LPARAM lParam) {
     return ShellPage(page, message, lParam);
 }

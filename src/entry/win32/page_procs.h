@@ -31,4 +31,7 @@ struct PageContext;
 PageContext* InitPage(HWND page, LPARAM lParam);
 PageContext* PageContextOf(HWND page);
 
+// A page that does no more than that yet: initialises, and handles nothing else.
+INT_PTR ShellPage(HWND page, UINT message, LPARAM lParam);
+
 }  // namespace kx20

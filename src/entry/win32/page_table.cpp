@@ -69,6 +69,14 @@ PageContext* InitPage(HWND page, LPARAM lParam) {
     return context;
 }
 
+INT_PTR ShellPage(HWND page, UINT message, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        InitPage(page, lParam);
+        return TRUE;
+    }
+    return FALSE;
+}
+
 PageContext* PageContextOf(HWND page) {
     return reinterpret_cast<PageContext*>(GetWindowLongPtrW(page, DWLP_USER));
 }

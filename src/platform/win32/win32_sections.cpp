@@ -59,10 +59,7 @@ std::uint32_t Win32Sections::LastError() {
 }
 
 std::u16string Win32Sections::ErrorText(std::uint32_t code) {
-    wchar_t buf[1024] = {};
-    DWORD n = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                             code, 0, buf, 1024, nullptr);
-    return FromWide(std::wstring_view(buf, n));
+    return SystemErrorText(code);
 }
 
 }  // namespace kx20
