@@ -26,11 +26,25 @@ endif()
 
 # kvorsgui.dll: the driver's user-interface module.
 file(GLOB KX20_ENTRY_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/entry/win32/*.cpp)
-add_library(kvorsgui SHARED ${KX20_ENTRY_SOURCES} ${CMAKE_SOURCE_DIR}/src/entry/win32/kvorsgui.def)
+add_library(kvorsgui SHARED ${KX20_ENTRY_SOURCES} ${CMAKE_SOURCE_DIR}/src/entry/win32/kvorsgui.def
+            ${CMAKE_SOURCE_DIR}/res/kvorsgui.rc)
+set_source_files_properties(${CMAKE_SOURCE_DIR}/res/kvorsgui.rc PROPERTIES OBJECT_DEPENDS
+                            ${CMAKE_SOURCE_DIR}/res/kvologo.bmp)
 set_target_properties(kvorsgui PROPERTIES PREFIX "" OUTPUT_NAME kvorsgui)
 target_link_libraries(kvorsgui PRIVATE kx20pages kx20win32 kx20core ${KX20_SYSTEM_LIBS})
 target_compile_options(kvorsgui PRIVATE ${KX20_WARNINGS})
 target_link_options(kvorsgui PRIVATE ${KX20_STATIC_LINK} -Wl,--enable-stdcall-fixup)
+
+# Kvorsxps.dll: the optional page module, which makes the pages on the systems that want them
+# made rather than described.
+add_library(kvorsxps SHARED ${CMAKE_SOURCE_DIR}/src/entry/win32/xps/kvorsxps.cpp
+            ${CMAKE_SOURCE_DIR}/src/entry/win32/xps/kvorsxps.def)
+set_target_properties(kvorsxps PROPERTIES PREFIX "" OUTPUT_NAME Kvorsxps)
+target_include_directories(kvorsxps PRIVATE ${CMAKE_SOURCE_DIR}/src)
+target_compile_definitions(kvorsxps PRIVATE UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX)
+target_link_libraries(kvorsxps PRIVATE comctl32 kernel32)
+target_compile_options(kvorsxps PRIVATE ${KX20_WARNINGS})
+target_link_options(kvorsxps PRIVATE ${KX20_STATIC_LINK})
 
 # KVORSENU.DLL: resource module (dialogs, strings). Its string table comes from the same
 # source as the core's built-in table.
@@ -60,13 +74,14 @@ set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
 
 file(GLOB KX20_WINE_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/wine/*.cpp)
-set(KX20_WINHOST_SOURCES ${CMAKE_SOURCE_DIR}/tools/winhost/driver_install.cpp ${CMAKE_SOURCE_DIR}/tools/winhost/sim_control.cpp)
+set(KX20_WINHOST_SOURCES ${CMAKE_SOURCE_DIR}/tools/winhost/driver_install.cpp ${CMAKE_SOURCE_DIR}/tools/winhost/sim_control.cpp
+    ${CMAKE_SOURCE_DIR}/tools/winhost/window_script.cpp)
 add_executable(kx20_wine_tests ${KX20_WINE_TESTS} ${KX20_WINHOST_SOURCES})
-target_link_libraries(kx20_wine_tests PRIVATE kx20pages kx20win32 kx20memory kx20sim kx20core gtest ${KX20_SYSTEM_LIBS})
+target_link_libraries(kx20_wine_tests PRIVATE kx20pages kx20win32 kx20memory kx20sim kx20core gtest compstui ${KX20_SYSTEM_LIBS})
 target_include_directories(kx20_wine_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR})
 target_compile_options(kx20_wine_tests PRIVATE ${KX20_WARNINGS})
 target_link_options(kx20_wine_tests PRIVATE ${KX20_STATIC_LINK} -municode)
-add_dependencies(kx20_wine_tests kvorsgui kvorsenu)
+add_dependencies(kx20_wine_tests kvorsgui kvorsenu kvorsxps)
 if(TARGET kvorsmon)
   add_dependencies(kx20_wine_tests kvorsmon)
 endif()
@@ -78,18 +93,22 @@ set_tests_properties(wine_tests PROPERTIES TIMEOUT 600)
 file(GLOB KX20_DEMO_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/demo/*.cpp)
 if(KX20_DEMO_SOURCES)
   add_executable(kx20demo ${KX20_DEMO_SOURCES} ${KX20_WINHOST_SOURCES})
-  target_link_libraries(kx20demo PRIVATE kx20win32 kx20memory kx20core ${KX20_SYSTEM_LIBS})
+  target_link_libraries(kx20demo PRIVATE kx20win32 kx20memory kx20core compstui ${KX20_SYSTEM_LIBS})
   target_include_directories(kx20demo PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR})
   target_compile_options(kx20demo PRIVATE ${KX20_WARNINGS})
   target_link_options(kx20demo PRIVATE ${KX20_STATIC_LINK} -municode)
-  add_dependencies(kx20demo kvorsgui kvorsenu)
+  add_dependencies(kx20demo kvorsgui kvorsenu kvorsxps)
 endif()
 
 # Self-containment and export names of the shipped DLLs.
 add_test(NAME kvorsgui_dll_check
          COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsgui>
-                 DrvDocumentPropertySheets DrvConvertDevMode DevQueryPrintEx DevQueryPrint)
+                 DrvDocumentPropertySheets DrvDevicePropertySheets DrvConvertDevMode DrvDeviceCapabilities
+                 DrvDocumentEvent
+                 DrvPrinterEvent DrvUpgradePrinter DevQueryPrintEx DevQueryPrint)
 add_test(NAME kvorsenu_dll_check COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsenu>)
+add_test(NAME kvorsxps_dll_check
+         COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsxps> GetXPPropSheetPage)
 if(TARGET kvorsmon)
   add_test(NAME kvorsmon_dll_check
            COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsmon> BIDISendCmdToPrinter)

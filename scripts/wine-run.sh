@@ -12,7 +12,9 @@ here=$(cd "$(dirname "$0")" && pwd)
 wineserver -p </dev/null >/dev/null 2>&1 &
 trap 'wineserver -k >/dev/null 2>&1 || true' EXIT
 if [ -z "${DISPLAY:-}" ] && command -v xvfb-run >/dev/null; then
-  xvfb-run -a wine "$@"
+  # No display of the user's: windows go to a virtual one, and programs close them themselves.
+  export KX20_VIRTUAL_DISPLAY=1
+  xvfb-run -a -s "-screen 0 1280x1024x24" wine "$@"
 else
   wine "$@"
 fi

@@ -10,6 +10,7 @@
 #include "devmode/apply_state.h"
 #include "devmode/devmode.h"
 #include "devmode/printer_settings.h"
+#include "entry/resource_module.h"
 #include "platform/platform.h"
 #include "platform/prompts.h"
 #include "platform/resources.h"
@@ -40,6 +41,9 @@ struct PageContext {
     DevModeImage* docDevMode = nullptr;
     std::unique_ptr<PrinterSettings> settings;
     PortSummary port;
+
+    // The resource module object: owned by the sheet; `strings` and `helpPath` come from it.
+    std::unique_ptr<ResourceModule> resources;
 
     // Document sheet only.
     DevModeImage pageCopy{};

@@ -69,6 +69,12 @@ class Registry {
     // step fails.
     virtual bool SetKeyAccessList(Hive hive, std::u16string_view path,
                                   std::span<const AccessEntry> entries) = 0;
+    // Writes the hive's pending changes to its backing store (RegFlushKey on the hive's root).
+    // A store with nothing to write answers kRegOk.
+    virtual long FlushHive(Hive hive) {
+        (void)hive;
+        return kRegOk;
+    }
 };
 
 // Convenience reads over a key. ReadValueBytes learns the size first and then reads the whole

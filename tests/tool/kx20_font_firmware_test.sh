@@ -60,7 +60,7 @@ expect 0 "job.bin: 479 bytes" font payload jpn24.fnt --station thermal -o job.bi
 # Pre-settings 152, a group per station (18 + 3 x 74, 18 + 3 x 34), post-settings 93.
 expect 0 "tagged.bin: 605 bytes" font payload prc.fon --station thermal -o tagged.bin
 expect 2 "-o JOB.bin is needed" font payload prc.fon --station thermal
-expect 0 "The firmware level goes up from 50 to 5A." firmware check fw.bin --model 4 --level 0x50
+expect 0 "the file holds the newer level 5A." firmware check fw.bin --model 4 --level 0x50
 expect 1 "does not fit model code 2" firmware check fw.bin --model 2
 expect 2 "--model N is needed" firmware check fw.bin
 expect 0 "fwjob.bin: 1031 bytes" firmware payload fw.bin -o fwjob.bin

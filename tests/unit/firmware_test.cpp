@@ -103,11 +103,11 @@ TEST_F(Firmware, ValidationAgainstThePrinterAndTheFlash) {
 TEST_F(Firmware, TheQuestionNamesTheWayTheLevelGoes) {
     const std::u16string head = Str(kStringLevelQuestion) + u"\n";
     EXPECT_EQ(FirmwareLevelQuestion(strings, 0x40, 0x41),
-              head + u"The firmware level goes up from 40 to 41.");
+              head + u"The printer has firmware level 40; the file holds the newer level 41.");
     EXPECT_EQ(FirmwareLevelQuestion(strings, 0x41, 0x41),
-              head + u"The file holds the firmware level the printer has now (41).");
+              head + u"The printer already has firmware level 41.");
     EXPECT_EQ(FirmwareLevelQuestion(strings, 0x5D, 0x30),
-              head + u"The firmware level goes down from 5D to 30.");
+              head + u"The printer has firmware level 5D; the file holds the older level 30.");
 }
 
 }  // namespace

@@ -48,7 +48,7 @@ TEST_F(LogSettingsPageTest, FirstOpenStoresTheDefaultsAndDisablesAllButTheSwitch
     EXPECT_TRUE(files.HasFolder(u"C:\\KX20NWD\\Log"));
     EXPECT_EQ(page.Folder(), u"C:\\KX20NWD\\Log");
     EXPECT_EQ(page.WrapText(), u"5120");
-    EXPECT_EQ(page.StatusText(), u"Printer status is not available.");
+    EXPECT_EQ(page.StatusText(), strings.Load(2201).value_or(u"?"));
     for (int id = 1200; id <= 1213; ++id) {
         EXPECT_FALSE(page.Checked(id)) << id;
         EXPECT_EQ(page.Enabled(id), id == 1200 || id == 1213) << id;
@@ -156,7 +156,7 @@ TEST_F(LogSettingsPageTest, BrowseStartsAtTheStoredFolderAndStoresTheChoice) {
     };
     // An empty folder is replaced by the default before the browser opens there.
     EXPECT_FALSE(page.Browse(picker));
-    EXPECT_EQ(title, u"Choose the folder for the KX20 log files.");
+    EXPECT_EQ(title, u"Choose the folder for the log files.");
     EXPECT_EQ(start, u"C:\\KX20NWD\\Log");
     EXPECT_EQ(StoredPath(), u"C:\\KX20NWD\\Log");
 
@@ -172,13 +172,13 @@ TEST_F(LogSettingsPageTest, BrowseStartsAtTheStoredFolderAndStoresTheChoice) {
 TEST_F(LogSettingsPageTest, StatusLineNamesTheModelAndMarksAPrinterThatIsNotReady) {
     PutStatus(9, 0x40);
     page.Open();
-    EXPECT_EQ(page.StatusText(), u"Printer: KX20 model 9");
+    EXPECT_EQ(page.StatusText(), u"Printer: KX20 II Receipt/Slip DBCS");
     PutStatus(7, 0);
     page.RefreshStatus();
-    EXPECT_EQ(page.StatusText(), u"Printer: KX20 model 7 (not ready)");
+    EXPECT_EQ(page.StatusText(), u"Printer: KX20 Receipt DBCS - not ready");
     PutStatus(6, 1);  // no such model: named as model code 0
     page.RefreshStatus();
-    EXPECT_EQ(page.StatusText(), u"Printer: KX20 model 0");
+    EXPECT_EQ(page.StatusText(), u"Printer: KX20 (model not identified)");
 }
 
 }  // namespace

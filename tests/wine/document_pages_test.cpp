@@ -122,8 +122,8 @@ class DocumentSheet : public ::testing::Test {
     }
 
     void Open() {
-        const DLGPROC procs[4] = {DeviceSettingsPageProc, GuiOptionsDlgProc, StationPageProc,
-                                  StationPageProc};
+        const DLGPROC procs[4] = {kx20::DeviceSettingsPageProc, kx20::GuiOptionsDlgProc,
+                                  kx20::StationPageProc, kx20::StationPageProc};
         PROPSHEETPAGEW pages[4] = {};
         for (int i = 0; i < 4; ++i) {
             pages[i].dwSize = sizeof(PROPSHEETPAGEW);

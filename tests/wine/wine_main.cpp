@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <string>
 
 #include "tests/wine/wine_environment.h"
 #include "tools/winhost/driver_install.h"
@@ -40,6 +41,8 @@ class DriverEnvironment : public ::testing::Environment {
 }  // namespace kx20::winetest
 
 int wmain(int argc, wchar_t** argv) {
+    if (argc == 4 && std::wstring(argv[1]) == L"--child-role")
+        return kx20::winetest::ChildRoleMain(argv[2], argv[3]);
     ::testing::InitGoogleTest(&argc, argv);
     ::testing::AddGlobalTestEnvironment(new kx20::winetest::DriverEnvironment);
     return RUN_ALL_TESTS();

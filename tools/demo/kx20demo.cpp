@@ -1,6 +1,11 @@
 // The driver in a Wine spooler: installs the built driver and a KX20 printer, then shows what
-// an application sees through the spooler's own calls.
+// an application sees through the spooler's own calls (capabilities, device mode), what the
+// driver learns of the simulated printer, and the printer's property sheet in a window. Under
+// a virtual display (no display of the user's) each page of the sheet is saved as a screenshot
+// and the sheet closes by itself.
 #include "platform/win32/windows_clean.h"
+
+#include <compstui.h>
 
 #include <cstdio>
 #include <string>
@@ -14,6 +19,7 @@
 #include "store/registry_layout.h"
 #include "tools/winhost/driver_install.h"
 #include "tools/winhost/sim_control.h"
+#include "tools/winhost/window_script.h"
 
 namespace {
 
@@ -104,6 +110,115 @@ void ShowPrinter(const std::wstring& port) {
     (void)port;
 }
 
+// What a print dialog asks of the printer.
+void ShowCapabilities() {
+    auto ask = [](WORD capability, void* out = nullptr) {
+        return static_cast<long>(
+            DeviceCapabilitiesW(kPrinter, nullptr, capability, static_cast<LPWSTR>(out), nullptr));
+    };
+    const long count = ask(DC_PAPERS);
+    std::vector<WORD> ids(count > 0 ? static_cast<std::size_t>(count) : 0);
+    std::vector<POINT> sizes(ids.size());
+    std::vector<wchar_t> names(ids.size() * 64);
+    ask(DC_PAPERS, ids.data());
+    ask(DC_PAPERSIZE, sizes.data());
+    ask(DC_PAPERNAMES, names.data());
+    std::printf("  %ld papers:\n", count);
+    for (std::size_t i = 0; i < ids.size(); ++i)
+        std::printf("    %u  %-28ls %5.1f x %6.1f mm\n", ids[i], &names[i * 64], sizes[i].x / 10.0,
+                    sizes[i].y / 10.0);
+    const long minExtent = ask(DC_MINEXTENT), maxExtent = ask(DC_MAXEXTENT);
+    std::printf("  extents          %ld x %ld mm to %ld x %ld mm\n", minExtent & 0xFFFF,
+                minExtent >> 16, maxExtent & 0xFFFF, maxExtent >> 16);
+    LONG resolutions[4] = {};
+    ask(DC_ENUMRESOLUTIONS, resolutions);
+    std::printf("  resolutions      %ld x %ld, %ld x %ld dpi\n", resolutions[0], resolutions[1],
+                resolutions[2], resolutions[3]);
+    wchar_t personalities[2][32] = {};
+    ask(DC_PERSONALITY, personalities);
+    wchar_t ready[64] = {};
+    ask(DC_MEDIAREADY, ready);
+    std::printf("  paper loaded     %ls\n", ready);
+    std::printf("  interfaces       %ls, %ls\n", personalities[0], personalities[1]);
+    std::printf("  copies up to %ld, landscape turned %ld degrees, %ld lines a minute\n",
+                ask(DC_COPIES), ask(DC_ORIENTATION), ask(DC_PRINTRATE));
+    std::printf("  device mode      %ld + %ld bytes, version 0x%lx, driver 0x%lx, fields 0x%lx\n",
+                ask(DC_SIZE), ask(DC_EXTRA), ask(DC_VERSION), ask(DC_DRIVER), ask(DC_FIELDS));
+}
+
+// The printer's property sheet as the printer-properties user interface opens it.
+int ShowDeviceSheet() {
+    wchar_t folder[MAX_PATH] = {};
+    DWORD needed = 0;
+    GetPrinterDriverDirectoryW(nullptr, const_cast<LPWSTR>(kx20::winhost::kEnvironment), 1,
+                               reinterpret_cast<LPBYTE>(folder), sizeof folder, &needed);
+    HMODULE driver = LoadLibraryW((std::wstring(folder) + L"\\3\\kvorsgui.dll").c_str());
+    auto entry = driver ? reinterpret_cast<PFNPROPSHEETUI>(reinterpret_cast<void*>(
+                              GetProcAddress(driver, "DrvDevicePropertySheets")))
+                        : nullptr;
+    if (!entry) {
+        std::printf("  the driver's DrvDevicePropertySheets cannot be loaded\n");
+        return 1;
+    }
+    struct {
+        WORD cbSize, Flags;
+        HANDLE printer;
+        LPWSTR name;
+    } header = {sizeof header, 0, nullptr, const_cast<LPWSTR>(kPrinter)};
+    wchar_t virtualDisplay[8] = {};
+    const bool unattended = GetEnvironmentVariableW(L"KX20_VIRTUAL_DISPLAY", virtualDisplay, 8) > 0;
+    std::vector<kx20::winhost::ModalDriver::Step> steps;
+    std::vector<std::wstring> titles, shots;
+    if (unattended) {
+        steps.push_back([&](HWND sheet) {
+            titles = kx20::winhost::SheetTabTitles(sheet);
+            return true;
+        });
+        for (int i = 0; i < 5; ++i) {
+            steps.push_back([i](HWND sheet) {
+                SendMessageW(sheet, PSM_SETCURSEL, i, 0);
+                RedrawWindow(sheet, nullptr, nullptr,
+                             RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+                return true;
+            });
+            steps.push_back([i, &shots](HWND) {
+                const std::wstring name = L"demo-device-sheet-" + std::to_wstring(i + 1);
+                if (kx20::winhost::SaveScreenshot(name))
+                    shots.push_back(kx20::winhost::ScreenshotPath(name));
+                return true;
+            });
+        }
+        steps.push_back([](HWND sheet) {
+            SendMessageW(sheet, PSM_PRESSBUTTON, PSBTN_CANCEL, 0);
+            return true;
+        });
+    } else {
+        std::printf("  the sheet is open in a window: close it to end the demo\n");
+        steps.push_back([&](HWND sheet) {
+            titles = kx20::winhost::SheetTabTitles(sheet);
+            return true;
+        });
+    }
+    kx20::winhost::ModalDriver script(kx20::winhost::FindThreadPropertySheet, steps);
+    DWORD result = 0;
+    CommonPropertySheetUIW(nullptr, entry, reinterpret_cast<LPARAM>(&header), &result);
+    FreeLibrary(driver);
+    std::printf("  pages:");
+    for (const auto& t : titles) std::printf(" [%ls]", t.c_str());
+    std::printf("\n");
+    for (std::wstring shot : shots) {
+        // Z: is the unix root in a Wine prefix: show the path as the shell sees it.
+        if (shot.rfind(L"Z:", 0) == 0) {
+            shot.erase(0, 2);
+            for (auto& c : shot)
+                if (c == L'\\')
+                    c = L'/';
+        }
+        std::printf("  screenshot %ls\n", shot.c_str());
+    }
+    return titles.size() == 5 && (!unattended || shots.size() == 5) ? 0 : 1;
+}
+
 }  // namespace
 
 int wmain() {
@@ -142,6 +257,9 @@ int wmain() {
 
     ClosePrinter(printer);
 
+    Section("DeviceCapabilitiesW: what a print dialog asks of the printer");
+    ShowCapabilities();
+
     Section("The printer, through kvorsmon.dll (the simulated KX20)");
     kx20::winhost::SimulatedPrinterControl sim(port);
     if (!sim.Loaded()) {
@@ -155,5 +273,8 @@ int wmain() {
     ShowPrinter(port);
     Section("The simulated printer's own view");
     std::printf("%ls", sim.Describe().c_str());
-    return rc == IDOK && size == 6004 ? 0 : 1;
+
+    Section("The printer's property sheet (CommonPropertySheetUIW + DrvDevicePropertySheets)");
+    const int sheet = ShowDeviceSheet();
+    return rc == IDOK && size == 6004 && sheet == 0 ? 0 : 1;
 }

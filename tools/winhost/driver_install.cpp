@@ -49,13 +49,15 @@ bool InstallDriver(std::wstring* error) {
     }
     std::wstring driverFolder(folder);
     if (!CopyInto(driverFolder, L"kvorsgui.dll", error) ||
-        !CopyInto(driverFolder, L"KVORSENU.DLL", error))
+        !CopyInto(driverFolder, L"KVORSENU.DLL", error) ||
+        !CopyInto(driverFolder, L"Kvorsxps.dll", error))
         return false;
     // The spooler keeps the installed files in the "3" subfolder; refresh them too, so a new
     // build replaces an earlier install.
     CreateDirectoryW((driverFolder + L"\\3").c_str(), nullptr);
     if (!CopyInto(driverFolder + L"\\3", L"kvorsgui.dll", error) ||
-        !CopyInto(driverFolder + L"\\3", L"KVORSENU.DLL", error))
+        !CopyInto(driverFolder + L"\\3", L"KVORSENU.DLL", error) ||
+        !CopyInto(driverFolder + L"\\3", L"Kvorsxps.dll", error))
         return false;
     wchar_t system[MAX_PATH] = {};
     GetSystemDirectoryW(system, MAX_PATH);
@@ -64,7 +66,8 @@ bool InstallDriver(std::wstring* error) {
         !CopyInto(system, L"kvorsmon.dll", error))
         return false;
 
-    wchar_t dependent[] = L"KVORSENU.DLL\0kvorsgui.dll\0";
+    // The resource module comes first: the driver finds its folder from the first entry.
+    wchar_t dependent[] = L"KVORSENU.DLL\0kvorsgui.dll\0Kvorsxps.dll\0";
     DRIVER_INFO_3W info = {};
     info.cVersion = 3;
     info.pName = const_cast<LPWSTR>(kDriverName);

@@ -14,9 +14,9 @@ inline constexpr wchar_t kEnvironment[] = L"Windows x64";
 // The folder of the running program, with a trailing backslash; the built DLLs lie there.
 std::wstring ProgramFolder();
 
-// Copies kvorsgui.dll and KVORSENU.DLL into the spooler's driver folder and registers the
-// driver; copies kvorsmon.dll (when built) into the system folder, where the driver's
-// LoadLibrary finds it. Safe to call again: the files are replaced.
+// Copies kvorsgui.dll, KVORSENU.DLL and Kvorsxps.dll into the spooler's driver folder and
+// registers the driver; copies kvorsmon.dll (when built) into the system folder, where the
+// driver's LoadLibrary finds it. Safe to call again: the files are replaced.
 bool InstallDriver(std::wstring* error);
 
 // Adds a printer of the driver on `port` (a unix file path: the spooler writes raw jobs

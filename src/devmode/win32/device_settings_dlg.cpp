@@ -72,7 +72,7 @@ class DeviceSettingsDialog {
 
 }  // namespace kx20
 
-INT_PTR CALLBACK DeviceSettingsPageProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR CALLBACK kx20::DeviceSettingsPageProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     return kx20::RunPage<kx20::DeviceSettingsDialog>(u"DeviceSettingsPageProc", hwnd, message,
                                                      wParam, lParam);
 }

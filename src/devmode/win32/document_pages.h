@@ -6,13 +6,10 @@
 
 #include <string_view>
 
-// 1003: station and roll paper of the job.
-INT_PTR CALLBACK DeviceSettingsPageProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
-// 1004: the job options.
-INT_PTR CALLBACK GuiOptionsDlgProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
-// 1005 and 1006: logos, messages and font of the first and the second station; the page's
-// dialog template tells which.
-INT_PTR CALLBACK StationPageProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+// The procedures themselves (DeviceSettingsPageProc 1003, GuiOptionsDlgProc 1004,
+// StationPageProc 1005 and 1006, whose dialog template tells which station) are declared
+// with the page table.
+#include "entry/win32/page_procs.h"
 
 namespace kx20 {
 

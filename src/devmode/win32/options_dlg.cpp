@@ -147,6 +147,6 @@ class OptionsDialog {
 
 }  // namespace kx20
 
-INT_PTR CALLBACK GuiOptionsDlgProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR CALLBACK kx20::GuiOptionsDlgProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     return kx20::RunPage<kx20::OptionsDialog>(u"GuiOptionsDlgProc", hwnd, message, wParam, lParam);
 }

@@ -162,6 +162,6 @@ class StationDialog {
 
 }  // namespace kx20
 
-INT_PTR CALLBACK StationPageProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+INT_PTR CALLBACK kx20::StationPageProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     return kx20::RunPage<kx20::StationDialog>(u"StationPageProc", hwnd, message, wParam, lParam);
 }

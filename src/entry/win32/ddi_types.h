@@ -18,6 +18,11 @@ struct DocumentPropertyHeader {
     DWORD fMode;
 };
 
+// The first member of the upgrade information of levels 1 and 2.
+struct DriverUpgradeInfo {
+    LPWSTR pPrinterName;
+};
+
 struct DevicePropertyHeader {
     WORD cbSize;
     WORD Flags;

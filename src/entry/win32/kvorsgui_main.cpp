@@ -1,14 +1,22 @@
 // Exported entry points of the driver's user-interface module. Each turns the caller's
 // pointers into bounded spans and hands the work to the portable core over the Win32 ports.
+// The property-sheet entries are in sheet_entries.cpp.
 #include "platform/win32/windows_clean.h"
 
 #include <cstddef>
 
 #include "devmode/devmode.h"
+#include "entry/capabilities.h"
+#include "entry/document_event.h"
 #include "entry/document_properties.h"
+#include "entry/printer_event.h"
 #include "entry/win32/ddi_types.h"
+#include "entry/win32/entry_support.h"
 #include "log/trace.h"
 #include "platform/win32/win32_platform.h"
+#include "platform/win32/win32_prompts.h"
+#include "platform/win32/win32_sections.h"
+#include "platform/win32/win32_system.h"
 #include "platform/win32/win32_text.h"
 
 static_assert(offsetof(DEVMODEW, dmSpecVersion) == kx20::kOffDmSpecVersion);
@@ -44,8 +52,6 @@ static_assert(sizeof(DEVMODEW) == kx20::kDevModePublicSize);
 
 namespace {
 
-HINSTANCE g_module = nullptr;
-
 // The trace writes through its own adapters, which live as long as the module.
 kx20::Win32FileSystem& TraceFiles() {
     static kx20::Win32FileSystem files;
@@ -56,58 +62,15 @@ kx20::Win32Clock& TraceClock() {
     return clock;
 }
 
-// A caller's device mode as the span it declares: its own dmSize + dmDriverExtra. Callers
-// hand only a pointer, so the declared extent is all there is to bound the record by.
-kx20::MutableByteSpan DeclaredRecord(DEVMODEW* dm) {
-    if (!dm)
-        return {};
-    std::size_t size = static_cast<std::size_t>(dm->dmSize) + dm->dmDriverExtra;
-    if (size < kx20::kOffDmFields + 4)
-        size = kx20::kOffDmFields + 4;
-    return {reinterpret_cast<std::uint8_t*>(dm), size};
-}
-
-std::uint32_t Low32(const void* p) {
-    return static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(p));
-}
-
 }  // namespace
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
     if (reason == DLL_PROCESS_ATTACH) {
-        g_module = instance;
+        kx20::SetDriverModuleHandle(instance);
         DisableThreadLibraryCalls(instance);
         kx20::SetTraceTarget(&TraceFiles(), &TraceClock());
     }
     return TRUE;
-}
-
-extern "C" __declspec(dllexport) LONG WINAPI
-    DrvDocumentPropertySheets(PROPSHEETUI_INFO* info, LPARAM lParam) {
-    using namespace kx20;
-    auto* header = reinterpret_cast<DocumentPropertyHeader*>(info ? info->lParamInit : lParam);
-    if (!header)
-        return -1;
-    std::u16string printerName = TraceDocumentCall(
-        static_cast<std::uint32_t>(lParam), info != nullptr, FromWide(header->pszPrinterName),
-        Low32(header->pdmIn), Low32(header->pdmOut));
-    if (info && (header->fMode & kDmPrompt)) {
-        // The document sheet itself is not built yet.
-        DrvTrace(u"UNKNOWN Reason = %d\n", info->Reason);
-        DrvTrace(u"  Returning -1\n");
-        return -1;
-    }
-    Win32Platform platform;
-    std::int32_t outSize = static_cast<std::int32_t>(header->cbOut);
-    MutableByteSpan out;
-    if (header->pdmOut)
-        out = {reinterpret_cast<std::uint8_t*>(header->pdmOut),
-               header->cbOut ? header->cbOut : static_cast<DWORD>(kDevModeSize)};
-    DocumentRequest request{printerName, DeclaredRecord(header->pdmIn), out, header->fMode,
-                            outSize};
-    LONG result = DocumentPropertiesNoUi(platform.ports, request);
-    header->cbOut = static_cast<DWORD>(outSize);
-    return result;
 }
 
 extern "C" __declspec(dllexport) BOOL WINAPI
@@ -128,14 +91,67 @@ extern "C" __declspec(dllexport) BOOL WINAPI
     return ok ? TRUE : FALSE;
 }
 
+// Only the low 16 bits of the capability count; the caller's output buffer is as large as the
+// capability's answer needs.
+extern "C" __declspec(dllexport) DWORD WINAPI
+    DrvDeviceCapabilities(HANDLE, PWSTR deviceName, DWORD capability, PVOID output, DEVMODEW*) {
+    using namespace kx20;
+    Win32Platform platform;
+    Win32System system;
+    MutableByteSpan out;
+    if (output)
+        out = {static_cast<std::uint8_t*>(output), CapabilityOutputSize(capability)};
+    return static_cast<DWORD>(AnswerCapability(platform.ports, system, FromWide(deviceName),
+                                               capability, out, output != nullptr));
+}
+
+// The create step's argument block is read as the driver has always read it: the job's device
+// mode is its sixth pointer-sized member. A block too short to hold that member counts as one
+// without a record.
+extern "C" __declspec(dllexport) int WINAPI
+    DrvDocumentEvent(HANDLE printer, HDC, int event, ULONG inSize, PVOID in, ULONG, PVOID) {
+    using namespace kx20;
+    constexpr std::size_t kDevModeMember = 5;
+    kx20::ByteSpan record;
+    if (event == docevent::kCreateDcPre && in && inSize >= (kDevModeMember + 1) * sizeof(void*)) {
+        auto* dm = static_cast<DEVMODEW**>(in)[kDevModeMember];
+        record = DeclaredRecord(dm);
+    }
+    Win32Sections sections;
+    return HandleDocumentEvent(sections, reinterpret_cast<std::uintptr_t>(printer), event, record);
+}
+
+extern "C" __declspec(dllexport) BOOL WINAPI
+    DrvPrinterEvent(LPWSTR printerName, INT event, DWORD, LPARAM) {
+    using namespace kx20;
+    Win32Platform platform;
+    Win32Prompts prompts;
+    return HandlePrinterEvent(platform.ports, prompts, FromWide(printerName), event) ? TRUE : FALSE;
+}
+
+extern "C" __declspec(dllexport) BOOL WINAPI DrvUpgradePrinter(DWORD level, LPBYTE info) {
+    using namespace kx20;
+    auto* upgrade = reinterpret_cast<DriverUpgradeInfo*>(info);
+    if (!upgrade)
+        return TRUE;
+    Win32Platform platform;
+    return UpgradePrinter(platform.ports, level, FromWide(upgrade->pPrinterName)) ? TRUE : FALSE;
+}
+
 extern "C" __declspec(dllexport) BOOL WINAPI DevQueryPrintEx(void*) {
     return TRUE;
 }
 
-// Forwarded to the system's implementation in the spooler's client library.
+// Forwarded to the system's implementation, which the spooler's client library winspool.drv
+// exports. Wine's winspool.drv exports the name as an unimplemented stub, whose call ends the
+// calling process; under Wine the query answers TRUE, as DevQueryPrintEx does for every job.
 extern "C" __declspec(dllexport) BOOL WINAPI
     DevQueryPrint(HANDLE printer, DEVMODEW* devMode, DWORD* resourceId) {
     using Fn = BOOL(WINAPI*)(HANDLE, DEVMODEW*, DWORD*);
+    if (GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version")) {
+        kx20::DrvTrace(u"DevQueryPrint: no system implementation under Wine, returning TRUE\n");
+        return TRUE;
+    }
     HMODULE spool = LoadLibraryW(L"winspool.drv");
     if (!spool)
         return FALSE;

@@ -150,4 +150,9 @@ bool MemoryRegistry::SetKeyAccessList(Hive hive, std::u16string_view path,
     return true;
 }
 
+long MemoryRegistry::FlushHive(Hive) {
+    ++flushes;
+    return flushResult;
+}
+
 }  // namespace kx20

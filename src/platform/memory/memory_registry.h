@@ -29,12 +29,16 @@ class MemoryRegistry : public Registry {
     std::unique_ptr<RegistryKey> CreateKey(Hive hive, std::u16string_view path) override;
     bool SetKeyAccessList(Hive hive, std::u16string_view path,
                           std::span<const AccessEntry> entries) override;
+    long FlushHive(Hive hive) override;
 
     // Inspection for tests and tools.
     Key* FindKey(Hive hive, std::u16string_view path);
     const Value* FindValue(Hive hive, std::u16string_view path, std::u16string_view name);
     std::vector<std::u16string> KeyPaths(Hive hive) const;
     bool DeleteKey(Hive hive, std::u16string_view path);
+    // What FlushHive answers, and how often it was asked.
+    long flushResult = kRegOk;
+    int flushes = 0;
 
   private:
     using Id = std::pair<Hive, std::u16string>;

@@ -55,8 +55,10 @@ class MemoryPrinterHandle : public SpoolerPrinter {
                 out.attributes = in.attributes;
                 break;
             case 8:
-            case 9:
                 out.devMode = in.devMode;
+                break;
+            case 9:
+                out.devMode = p->userDevMode;
                 break;
             default:
                 return Fail(kErrorInvalidParameter);
@@ -76,6 +78,10 @@ class MemoryPrinterHandle : public SpoolerPrinter {
         } else if (level == 5) {
             p->info.portName = info.portName;
             p->info.attributes = info.attributes;
+        } else if (level == 8) {
+            p->info.devMode = info.devMode;
+        } else if (level == 9) {
+            p->userDevMode = info.devMode;
         }
         return true;
     }

@@ -26,7 +26,9 @@ struct MemoryJob {
 class MemorySpooler : public Spooler {
   public:
     struct Printer {
-        PrinterInfo info;  // the level-2 view; other levels are cut from it
+        PrinterInfo info;  // the level-2 view; other levels are cut from it (level 8: the
+                           // global device mode, info.devMode)
+        std::optional<Bytes> userDevMode;  // level 9: the per-user device mode
         std::optional<DriverInfo> driver;
         std::map<std::pair<std::u16string, std::u16string>, std::pair<std::uint32_t, Bytes>>
             data;  // (key, value name) -> (type, bytes); key "" for plain printer data

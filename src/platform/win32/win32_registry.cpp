@@ -123,4 +123,8 @@ bool Win32Registry::SetKeyAccessList(Hive hive, std::u16string_view path,
     return ok;
 }
 
+long Win32Registry::FlushHive(Hive hive) {
+    return RegFlushKey(RootOf(hive));
+}
+
 }  // namespace kx20

@@ -12,6 +12,7 @@ class Win32Registry : public Registry {
     std::unique_ptr<RegistryKey> CreateKey(Hive hive, std::u16string_view path) override;
     bool SetKeyAccessList(Hive hive, std::u16string_view path,
                           std::span<const AccessEntry> entries) override;
+    long FlushHive(Hive hive) override;
 };
 
 }  // namespace kx20

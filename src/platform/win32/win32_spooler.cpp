@@ -216,6 +216,12 @@ class Win32Printer : public SpoolerPrinter {
                 PRINTER_INFO_6 i = {info.status};
                 return ::SetPrinterW(h_, 6, reinterpret_cast<LPBYTE>(&i), 0) != FALSE;
             }
+            case 8:
+            case 9: {
+                // Levels 8 (global) and 9 (per-user) carry the device mode alone.
+                PRINTER_INFO_8W i = {dmPtr};
+                return ::SetPrinterW(h_, level, reinterpret_cast<LPBYTE>(&i), 0) != FALSE;
+            }
             default:
                 SetLastError(ERROR_INVALID_LEVEL);
                 return false;
@@ -352,10 +358,7 @@ std::uint32_t Win32Spooler::LastError() {
 }
 
 std::u16string Win32Spooler::ErrorText(std::uint32_t code) {
-    wchar_t buf[1024] = {};
-    DWORD n = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
-                             code, 0, buf, 1024, nullptr);
-    return FromWide(std::wstring_view(buf, n));
+    return SystemErrorText(code);
 }
 
 }  // namespace kx20

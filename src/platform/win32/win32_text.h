@@ -22,4 +22,12 @@ inline std::u16string FromWide(std::wstring_view v) {
     return std::u16string(v.begin(), v.end());
 }
 
+// The system's text for an error code (FormatMessage), at most 1024 characters.
+inline std::u16string SystemErrorText(unsigned long code) {
+    wchar_t buf[1024] = {};
+    const DWORD n = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
+                                   nullptr, code, 0, buf, 1024, nullptr);
+    return FromWide(std::wstring_view(buf, n));
+}
+
 }  // namespace kx20

@@ -1,0 +1,84 @@
+#include "entry/win32/page_procs.h"
+
+#include <commctrl.h>
+
+#include <string>
+
+#include "entry/page_context.h"
+#include "entry/property_sheets.h"
+#include "platform/win32/win32_text.h"
+
+namespace kx20 {
+
+namespace {
+
+struct PageProc {
+    std::uint32_t id;
+    DLGPROC proc;
+};
+
+constexpr PageProc kPageProcs[] = {
+    {1003, DeviceSettingsPageProc}, {1004, GuiOptionsDlgProc},     {1005, StationPageProc},
+    {1006, StationPageProc},        {1007, GuiLogosDlgProc},       {1008, GuiMessagesDlgProc},
+    {1009, GuiFontsDlgProc},        {1010, GuiMaintenanceDlgProc}, {1011, GuiLogSettingsDlgProc},
+};
+
+constexpr bool Covers(std::uint32_t id) {
+    for (const PageProc& p : kPageProcs)
+        if (p.id == id)
+            return true;
+    return false;
+}
+
+constexpr bool CoversAll() {
+    for (std::uint32_t id : kDevicePages)
+        if (!Covers(id))
+            return false;
+    for (std::uint32_t id : kDocumentPages)
+        if (!Covers(id))
+            return false;
+    return true;
+}
+static_assert(CoversAll(), "every page of both sheets has a dialog procedure");
+
+BOOL CALLBACK LabelControl(HWND control, LPARAM lParam) {
+    auto* context = reinterpret_cast<PageContext*>(lParam);
+    const int id = GetDlgCtrlID(control);
+    if (id > 0 && context->strings) {
+        if (auto text = context->strings->Load(static_cast<std::uint32_t>(id)))
+            SetWindowTextW(control, ToWide(*text).c_str());
+    }
+    return TRUE;
+}
+
+}  // namespace
+
+DLGPROC PageDialogProc(std::uint32_t templateId) {
+    for (const PageProc& p : kPageProcs)
+        if (p.id == templateId)
+            return p.proc;
+    return nullptr;
+}
+
+PageContext* InitPage(HWND page, LPARAM lParam) {
+    auto* sheetPage = reinterpret_cast<PROPSHEETPAGEW*>(lParam);
+    auto* context = sheetPage ? reinterpret_cast<PageContext*>(sheetPage->lParam) : nullptr;
+    SetWindowLongPtrW(page, DWLP_USER, reinterpret_cast<LONG_PTR>(context));
+    if (context)
+        EnumChildWindows(page, LabelControl, reinterpret_cast<LPARAM>(context));
+    return context;
+}
+
+INT_PTR ShellPage(HWND page, UINT message, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        InitPage(page, lParam);
+        return TRUE;
+    }
+    return FALSE;
+}
+
+PageContext* PageContextOf(HWND page) {
+    return reinterpret_cast<PageContext*>(GetWindowLongPtrW(page, DWLP_USER));
+}
+
+}  // namespace kx20

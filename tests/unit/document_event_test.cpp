@@ -1,0 +1,117 @@
+// Document events: the job's section through its life, and the failures each step reports.
+#include "entry/document_event.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "devmode/devmode.h"
+#include "log/trace.h"
+#include "platform/memory/memory_files.h"
+#include "platform/memory/memory_sections.h"
+#include "tests/unit/trace_capture.h"
+
+namespace kx20 {
+namespace {
+
+constexpr std::uint64_t kPrinterHandle = 0x1'00A3'F2C8;  // only the low 32 bits name it
+constexpr char16_t kName[] = u"kvox00A3F2C8";
+
+class DocumentEventTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        SetTraceTarget(&files, &clock, {u"marker", u"out"});
+        files.Put(u"marker", {});
+    }
+    void TearDown() override { SetTraceTarget(nullptr, nullptr); }
+
+    std::int32_t Event(std::int32_t event, ByteSpan record = {}) {
+        return HandleDocumentEvent(sections, kPrinterHandle, event, record);
+    }
+
+    MemoryFileSystem files;
+    ManualClock clock;
+    MemorySections sections;
+};
+
+TEST_F(DocumentEventTest, SectionCarriesTheJobFromCreationToDeletion) {
+    EXPECT_EQ(JobSectionName(0xA3F2C8), u"kvox00A3F2C8");
+    DevModeImage record = gsDevMode();
+    record[kDevModeSize - 1] = 0x5A;  // the last private byte travels too
+
+    ASSERT_EQ(Event(docevent::kCreateDcPre, record), 1);
+    const Bytes* section = sections.Find(kName);
+    ASSERT_NE(section, nullptr);
+    EXPECT_EQ(section->size(), 8192u) << "6004 bytes rounded to whole pages";
+    EXPECT_NE(ReadU32(*section, 0), 0u) << "the creator's handle";
+    EXPECT_EQ(ReadU32(*section, 4), 0u);
+    EXPECT_TRUE(std::equal(record.begin(), record.end(), section->begin() + 8));
+    EXPECT_EQ(sections.OpenHandles(), 1u) << "the creator's handle stays open";
+
+    EXPECT_EQ(Event(docevent::kStartDocPre), 1);
+    EXPECT_EQ(Event(docevent::kEndPage), 1);
+    EXPECT_EQ(Event(docevent::kEndPage), 1);
+    EXPECT_EQ(Event(docevent::kEndPage), 1);
+    EXPECT_EQ(ReadU32(*sections.Find(kName), 4), 3u);
+    EXPECT_EQ(sections.OpenHandles(), 1u) << "check and count close what they open";
+
+    EXPECT_EQ(Event(docevent::kDeleteDc), 1);
+    EXPECT_EQ(sections.Find(kName), nullptr) << "the last handle went with the context";
+    EXPECT_EQ(sections.OpenHandles(), 0u);
+}
+
+TEST_F(DocumentEventTest, InformationContextGetsASectionWithoutARecord) {
+    ASSERT_EQ(Event(docevent::kCreateDcPre), 1);
+    const Bytes* section = sections.Find(kName);
+    ASSERT_NE(section, nullptr);
+    EXPECT_TRUE(std::all_of(section->begin() + 8, section->end(), [](auto b) { return b == 0; }));
+    EXPECT_EQ(TraceMessages(files),
+              (std::vector<std::string>{"   iEsc = DOCUMENTEVENT_CREATEDCPRE\n",
+                                        "DevMode is NULL   ( CreateIC() was called )\n",
+                                        "  Returning 1\n"}));
+}
+
+TEST_F(DocumentEventTest, StepsWithoutASectionFailWithTheSystemsText) {
+    for (std::int32_t event : {docevent::kEndPage, docevent::kStartDocPre, docevent::kDeleteDc})
+        EXPECT_EQ(Event(event), -1) << event;
+    const auto trace = TraceMessages(files);
+    ASSERT_EQ(trace.size(), 12u);
+    EXPECT_EQ(trace[0], "   iEsc = DOCUMENTEVENT_ENDPAGE\n");
+    EXPECT_EQ(trace[1], "   system error id is: 2\n");
+    EXPECT_EQ(trace[2],
+              "   system error message is:\n   The system cannot find the file specified.\r\n\n");
+    EXPECT_EQ(trace[3], "  Returning -1\n");
+}
+
+TEST_F(DocumentEventTest, FailedMapLeavesTheHandleAndFails) {
+    sections.failMap = true;
+    EXPECT_EQ(Event(docevent::kCreateDcPre, gsDevMode()), -1);
+    EXPECT_EQ(sections.OpenHandles(), 1u);
+    EXPECT_EQ(TraceMessages(files)[1], "   system error id is: 8\n");
+}
+
+TEST_F(DocumentEventTest, OtherStepsOnlyTrace) {
+    for (std::int32_t event : {2, 3, 4, 6, 8, 9, 11, 12, 13, 0, 14, -3})
+        EXPECT_EQ(Event(event), 1) << event;
+    EXPECT_EQ(sections.OpenHandles(), 0u);
+    const auto trace = TraceMessages(files);
+    EXPECT_EQ(trace[0], "   iEsc = DOCUMENTEVENT_CREATEDCPOST\n");
+    EXPECT_EQ(trace[16], "   iEsc = DOCUMENTEVENT_STARTDOCPOST\n");
+    EXPECT_EQ(trace[18], "   UNKNOWN iEsc = 0\n");
+    EXPECT_EQ(trace[20], "   UNKNOWN iEsc = 14\n");
+    EXPECT_EQ(trace[22], "   UNKNOWN iEsc = -3\n");
+}
+
+TEST_F(DocumentEventTest, RecordLargerThanTheSectionIsCutAtItsEnd) {
+    // A record that declares 65535 + 65535 bytes fills the mapped pages and no more.
+    Bytes huge(131070, 0x11);
+    ASSERT_EQ(Event(docevent::kCreateDcPre, huge), 1);
+    const Bytes* section = sections.Find(kName);
+    ASSERT_NE(section, nullptr);
+    EXPECT_EQ(section->size(), 8192u);
+    EXPECT_EQ(section->back(), 0x11);
+}
+
+}  // namespace
+}  // namespace kx20

@@ -1,0 +1,138 @@
+#include "tools/winhost/window_script.h"
+
+#include <commctrl.h>
+
+#include "tools/winhost/driver_install.h"
+
+namespace kx20::winhost {
+
+namespace {
+
+constexpr UINT kTickMilliseconds = 100;
+// A window that has not come after this many ticks will not come; the script stops.
+constexpr int kMaxWaitTicks = 300;
+
+ModalDriver* g_driver = nullptr;
+
+struct Search {
+    std::wstring title;
+    bool wantSheet = false;
+    HWND found = nullptr;
+};
+
+BOOL CALLBACK Visit(HWND window, LPARAM lParam) {
+    auto* s = reinterpret_cast<Search*>(lParam);
+    if (!IsWindowVisible(window))
+        return TRUE;
+    wchar_t cls[64] = {};
+    GetClassNameW(window, cls, 64);
+    if (std::wstring(cls) != L"#32770")
+        return TRUE;
+    if (s->wantSheet && !FindWindowExW(window, nullptr, WC_TABCONTROLW, nullptr))
+        return TRUE;
+    if (!s->title.empty()) {
+        wchar_t text[256] = {};
+        GetWindowTextW(window, text, 256);
+        if (s->title != text)
+            return TRUE;
+    }
+    s->found = window;
+    return FALSE;
+}
+
+}  // namespace
+
+ModalDriver::ModalDriver(std::function<HWND()> find, std::vector<Step> steps)
+    : find_(std::move(find)), steps_(std::move(steps)) {
+    g_driver = this;
+    timer_ = SetTimer(nullptr, 0, kTickMilliseconds, &ModalDriver::Tick);
+}
+
+ModalDriver::~ModalDriver() {
+    if (timer_)
+        KillTimer(nullptr, timer_);
+    g_driver = nullptr;
+}
+
+void CALLBACK ModalDriver::Tick(HWND, UINT, UINT_PTR, DWORD) {
+    if (g_driver)
+        g_driver->Run();
+}
+
+void ModalDriver::Run() {
+    if (Finished())
+        return;
+    if (!window_ || !IsWindow(window_)) {
+        window_ = find_();
+        if (!window_) {
+            if (++ticks_ > kMaxWaitTicks && timer_) {
+                KillTimer(nullptr, timer_);
+                timer_ = 0;
+            }
+            return;
+        }
+    }
+    if (steps_[next_](window_))
+        ++next_;
+    if (Finished() && timer_) {
+        KillTimer(nullptr, timer_);
+        timer_ = 0;
+    }
+}
+
+HWND FindThreadDialog(const std::wstring& title) {
+    Search s{title, false, nullptr};
+    EnumThreadWindows(GetCurrentThreadId(), Visit, reinterpret_cast<LPARAM>(&s));
+    return s.found;
+}
+
+HWND FindThreadPropertySheet() {
+    Search s{L"", true, nullptr};
+    EnumThreadWindows(GetCurrentThreadId(), Visit, reinterpret_cast<LPARAM>(&s));
+    return s.found;
+}
+
+std::vector<std::wstring> SheetTabTitles(HWND sheet) {
+    std::vector<std::wstring> titles;
+    HWND tab = reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETTABCONTROL, 0, 0));
+    const int count = tab ? static_cast<int>(SendMessageW(tab, TCM_GETITEMCOUNT, 0, 0)) : 0;
+    for (int i = 0; i < count; ++i) {
+        wchar_t text[256] = {};
+        TCITEMW item = {};
+        item.mask = TCIF_TEXT;
+        item.pszText = text;
+        item.cchTextMax = 256;
+        SendMessageW(tab, TCM_GETITEMW, i, reinterpret_cast<LPARAM>(&item));
+        titles.emplace_back(text);
+    }
+    return titles;
+}
+
+std::wstring ScreenshotPath(const std::wstring& name) {
+    const std::wstring folder = winhost::ProgramFolder() + L"screenshots";
+    CreateDirectoryW(folder.c_str(), nullptr);
+    return folder + L"\\" + name + L".png";
+}
+
+bool SaveScreenshot(const std::wstring& name) {
+    using UnixName = char*(CDECL*)(LPCWSTR);
+    using Spawn = LONG(WINAPI*)(char* const*, int);
+    auto unixName = reinterpret_cast<UnixName>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
+    auto spawn = reinterpret_cast<Spawn>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "__wine_unix_spawnvp")));
+    if (!unixName || !spawn)
+        return false;
+    const std::wstring path = ScreenshotPath(name);
+    DeleteFileW(path.c_str());
+    char* target = unixName(path.c_str());
+    if (!target)
+        return false;
+    char program[] = "import", window[] = "-window", root[] = "root";
+    char* argv[] = {program, window, root, target, nullptr};
+    const LONG status = spawn(argv, TRUE);
+    HeapFree(GetProcessHeap(), 0, target);
+    return status == 0 && GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+}  // namespace kx20::winhost
