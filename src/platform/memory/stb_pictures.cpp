@@ -1,0 +1,142 @@
+#include "platform/memory/stb_pictures.h"
+
+#include <climits>
+#include <cstring>
+
+#include "platform/picture_stretch.h"
+
+// The decoder is compiled here, with this build's flags and sanitizers, for the four formats
+// the module accepts. Dimensions beyond the module's limit are refused before decoding.
+#define STBI_ONLY_BMP
+#define STBI_ONLY_PNG
+#define STBI_ONLY_JPEG
+#define STBI_ONLY_GIF
+#define STBI_NO_STDIO
+#define STBI_NO_LINEAR
+#define STBI_NO_HDR
+#define STBI_MAX_DIMENSIONS 32767
+#define STB_IMAGE_STATIC
+#define STB_IMAGE_IMPLEMENTATION
+#include "stb_image.h"
+
+#define STBIW_ONLY_PNG
+#define STB_IMAGE_WRITE_STATIC
+#define STB_IMAGE_WRITE_IMPLEMENTATION
+#include "stb_image_write.h"
+
+namespace kx20 {
+
+namespace {
+
+enum class Format { Unknown, Bitmap, Png, Jpeg, Gif };
+
+// The formats are told apart by their first bytes, as the system's loader does.
+Format Sniff(ByteSpan file) {
+    if (file.size() < 4)
+        return Format::Unknown;
+    if (file[0] == 'B' && file[1] == 'M')
+        return Format::Bitmap;
+    if (file[0] == 0x89 && file[1] == 'P' && file[2] == 'N' && file[3] == 'G')
+        return Format::Png;
+    if (file[0] == 0xFF && file[1] == 0xD8)
+        return Format::Jpeg;
+    if (file[0] == 'G' && file[1] == 'I' && file[2] == 'F')
+        return Format::Gif;
+    return Format::Unknown;
+}
+
+class StbPicture : public Picture {
+  public:
+    explicit StbPicture(DecodedPicture picture) : picture_(std::move(picture)) {}
+
+    std::int32_t HimetricWidth() const override {
+        return MulDiv(picture_.colours.width, 2540, StbPictures::kScreenDpi);
+    }
+    std::int32_t HimetricHeight() const override {
+        return MulDiv(picture_.colours.height, 2540, StbPictures::kScreenDpi);
+    }
+    bool Render(RgbCanvas& canvas, int left, int top, int width, int height) override {
+        return StretchPicture(picture_, canvas, left, top, width, height);
+    }
+
+  private:
+    DecodedPicture picture_;
+};
+
+struct StbFree {
+    void operator()(stbi_uc* p) const { stbi_image_free(p); }
+};
+
+}  // namespace
+
+std::unique_ptr<Picture> StbPictures::Load(ByteSpan file) {
+    const Format format = Sniff(file);
+    if (format == Format::Unknown || file.size() > static_cast<std::size_t>(INT_MAX))
+        return nullptr;
+    const auto* data = reinterpret_cast<const stbi_uc*>(file.data());
+    const int length = static_cast<int>(file.size());
+    int w = 0, h = 0, channels = 0;
+    if (!stbi_info_from_memory(data, length, &w, &h, &channels))
+        return nullptr;
+    if (w <= 0 || h <= 0 || w > kMaxPictureSide || h > kMaxPictureSide ||
+        static_cast<std::int64_t>(w) * h > kMaxPicturePixels) {
+        return nullptr;
+    }
+    int dw = 0, dh = 0;
+    std::unique_ptr<stbi_uc, StbFree> rgba(
+        stbi_load_from_memory(data, length, &dw, &dh, &channels, 4));
+    if (!rgba || dw != w || dh != h)
+        return nullptr;
+
+    DecodedPicture picture;
+    picture.colours = RgbCanvas(w, h);
+    // A bitmap file is drawn without regard to an alpha channel; the other formats leave out
+    // the pixels that are less than half opaque.
+    const bool alpha = format != Format::Bitmap;
+    const std::size_t count = static_cast<std::size_t>(w) * static_cast<std::size_t>(h);
+    const stbi_uc* p = rgba.get();
+    bool anyTransparent = false;
+    std::vector<std::uint8_t> transparent;
+    if (alpha)
+        transparent.assign(count, 0);
+    for (std::size_t i = 0; i < count; ++i, p += 4) {
+        picture.colours.pixels[i] = RgbPixel(p[0], p[1], p[2]);
+        if (alpha && p[3] < 0x80) {
+            transparent[i] = 1;
+            anyTransparent = true;
+        }
+    }
+    if (anyTransparent)
+        picture.transparent = std::move(transparent);
+    return std::make_unique<StbPicture>(std::move(picture));
+}
+
+Bytes EncodePng(const RgbCanvas& canvas, const std::vector<std::uint8_t>* alpha) {
+    if (canvas.width <= 0 || canvas.height <= 0)
+        return {};
+    if (alpha && alpha->size() != canvas.pixels.size())
+        return {};
+    const int channels = alpha ? 4 : 3;
+    std::vector<std::uint8_t> rgb(canvas.pixels.size() * channels);
+    for (std::size_t i = 0; i < canvas.pixels.size(); ++i) {
+        std::uint8_t* out = rgb.data() + i * channels;
+        out[0] = RedOf(canvas.pixels[i]);
+        out[1] = GreenOf(canvas.pixels[i]);
+        out[2] = BlueOf(canvas.pixels[i]);
+        if (alpha)
+            out[3] = (*alpha)[i];
+    }
+    Bytes out;
+    auto sink = [](void* context, void* bytes, int size) {
+        auto* o = static_cast<Bytes*>(context);
+        const auto* b = static_cast<const std::uint8_t*>(bytes);
+        o->insert(o->end(), b, b + size);
+    };
+    if (!stbi_write_png_to_func(sink, &out, canvas.width, canvas.height, channels, rgb.data(),
+                                canvas.width * channels)) {
+        return {};
+    }
+    return out;
+}
+
+}  // namespace kx20
