@@ -9,11 +9,14 @@
 
 #include "devmode/devmode.h"
 #include "devmode/printer_settings.h"
+#include "platform/pictures.h"
 #include "platform/platform.h"
 #include "platform/prompts.h"
 #include "platform/resources.h"
 
 namespace kx20 {
+
+class DevicePages;  // logos/device_pages.h
 
 // What the pages know of the printer's port when the sheet opens: its connection status
 // record, all zero and the identity empty when it cannot be read.
@@ -31,6 +34,7 @@ struct PageContext {
     UserPrompts* prompts = nullptr;
     ResourceStrings* strings = nullptr;  // the resource module's strings
     std::u16string helpPath;             // the resource module's help file; empty when none
+    Pictures* pictures = nullptr;        // the picture loader (logos pages, previews)
 
     std::u16string printerName;
     std::u16string driverName;  // pDriverName of the printer's level-2 information
@@ -39,6 +43,10 @@ struct PageContext {
     DevModeImage* docDevMode = nullptr;
     std::unique_ptr<PrinterSettings> settings;
     PortSummary port;
+
+    // Device sheet: the record of the device pages' windows that the logos page keeps while it
+    // lives (its connection timer drives the other pages through it); null before and after.
+    DevicePages* devicePages = nullptr;
 
     // Document sheet only.
     DevModeImage pageCopy{};

@@ -55,6 +55,8 @@ class Clock {
   public:
     virtual ~Clock() = default;
     virtual LocalTime Now() = 0;
+    // The same moment in coordinated universal time (the printer's availability hours).
+    virtual LocalTime UtcNow() = 0;
     virtual void Sleep(std::uint32_t milliseconds) = 0;
     virtual std::uint32_t ProcessId() = 0;
 };

@@ -44,6 +44,10 @@ struct PrinterInfo {
     std::uint32_t priority = 0;
     std::uint32_t status = 0;
     std::uint32_t jobs = 0;
+    // Level 2: the hours the printer takes jobs, minutes after midnight (UTC); both 0 when
+    // it is always available.
+    std::uint32_t startTime = 0;
+    std::uint32_t untilTime = 0;
 };
 
 struct DriverInfo {

@@ -40,12 +40,14 @@ class MemoryFileSystem : public FileSystem {
 class ManualClock : public Clock {
   public:
     LocalTime Now() override { return now; }
+    LocalTime UtcNow() override { return utc; }
     void Sleep(std::uint32_t ms) override { sleeps.push_back(ms); }
     std::uint32_t ProcessId() override { return processId; }
 
     std::uint64_t TotalSlept() const;
 
     LocalTime now{2024, 3, 5, 9, 7, 2, 45};
+    LocalTime utc{2024, 3, 5, 8, 7, 2, 45};
     std::vector<std::uint32_t> sleeps;
     std::uint32_t processId = 4242;
 };

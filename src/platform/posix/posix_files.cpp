@@ -94,6 +94,20 @@ LocalTime SystemClock::Now() {
             static_cast<int>(tv.tv_usec / 1000)};
 }
 
+LocalTime SystemClock::UtcNow() {
+    struct timeval tv;
+    gettimeofday(&tv, nullptr);
+    struct tm tm;
+    gmtime_r(&tv.tv_sec, &tm);
+    return {tm.tm_year + 1900,
+            tm.tm_mon + 1,
+            tm.tm_mday,
+            tm.tm_hour,
+            tm.tm_min,
+            tm.tm_sec,
+            static_cast<int>(tv.tv_usec / 1000)};
+}
+
 void SystemClock::Sleep(std::uint32_t ms) {
     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
 }

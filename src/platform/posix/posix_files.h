@@ -24,6 +24,7 @@ class PosixFileSystem : public FileSystem {
 class SystemClock : public Clock {
   public:
     LocalTime Now() override;
+    LocalTime UtcNow() override;
     void Sleep(std::uint32_t ms) override;
     std::uint32_t ProcessId() override;
 };

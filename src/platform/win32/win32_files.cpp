@@ -113,6 +113,12 @@ std::uint32_t Win32FileSystem::LastError() {
     return GetLastError();
 }
 
+LocalTime Win32Clock::UtcNow() {
+    SYSTEMTIME t;
+    GetSystemTime(&t);
+    return {t.wYear, t.wMonth, t.wDay, t.wHour, t.wMinute, t.wSecond, t.wMilliseconds};
+}
+
 LocalTime Win32Clock::Now() {
     SYSTEMTIME t;
     GetLocalTime(&t);

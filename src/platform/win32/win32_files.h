@@ -21,6 +21,7 @@ class Win32FileSystem : public FileSystem {
 class Win32Clock : public Clock {
   public:
     LocalTime Now() override;
+    LocalTime UtcNow() override;
     void Sleep(std::uint32_t ms) override;
     std::uint32_t ProcessId() override;
 };

@@ -146,6 +146,8 @@ class Win32Printer : public SpoolerPrinter {
                 out.priority = i->Priority;
                 out.status = i->Status;
                 out.jobs = i->cJobs;
+                out.startTime = i->StartTime;
+                out.untilTime = i->UntilTime;
                 break;
             }
             case 4: {
@@ -199,6 +201,8 @@ class Win32Printer : public SpoolerPrinter {
                 i.pDatatype = opt(type);
                 i.Attributes = info.attributes;
                 i.Priority = info.priority;
+                i.StartTime = info.startTime;
+                i.UntilTime = info.untilTime;
                 return ::SetPrinterW(h_, 2, reinterpret_cast<LPBYTE>(&i), 0) != FALSE;
             }
             case 5: {

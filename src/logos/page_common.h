@@ -1,0 +1,64 @@
+// What the logos and messages pages share: their string ids, the status line by model code,
+// and the printer's availability hours.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "entry/page_context.h"
+#include "platform/files.h"
+#include "platform/format.h"
+#include "platform/resources.h"
+
+namespace kx20::logos {
+
+namespace text {
+inline constexpr std::uint32_t kLogoFileFilter = 1001;
+inline constexpr std::uint32_t kAddLogoCaption = 1151;
+inline constexpr std::uint32_t kDeleteLogoCaption = 1153;
+inline constexpr std::uint32_t kStoreMessageCaption = 1162;
+inline constexpr std::uint32_t kDeleteMessageCaption = 1163;
+inline constexpr std::uint32_t kFormFullScaled = 2120;
+inline constexpr std::uint32_t kFormFull = 2121;
+inline constexpr std::uint32_t kFormNarrowScaled = 2122;
+inline constexpr std::uint32_t kFormNarrow = 2123;
+inline constexpr std::uint32_t kAddLogoTitle = 2166;
+inline constexpr std::uint32_t kStatusModel = 2200;
+inline constexpr std::uint32_t kStatusUnavailable = 2201;
+inline constexpr std::uint32_t kStatusNotConnected = 2202;
+inline constexpr std::uint32_t kSlotUsed = 2203;
+inline constexpr std::uint32_t kSlotEmpty = 2204;
+inline constexpr std::uint32_t kLogoSlotName = 2205;
+inline constexpr std::uint32_t kMessageSlotName = 2206;
+inline constexpr std::uint32_t kTitle = 2220;
+inline constexpr std::uint32_t kLogoTooBig = 2231;
+inline constexpr std::uint32_t kDeleteOneLogo = 2232;
+inline constexpr std::uint32_t kDeleteLogos = 2233;
+inline constexpr std::uint32_t kLogoFailed = 2234;
+inline constexpr std::uint32_t kDeleteOneMessage = 2236;
+inline constexpr std::uint32_t kDeleteMessages = 2237;
+inline constexpr std::uint32_t kMessageFailed = 2238;
+}  // namespace text
+
+// A string of the resource module, empty when it is missing.
+std::u16string LoadText(ResourceStrings& strings, std::uint32_t id);
+// A string with one placeholder filled; the string as it stands when it does not take the
+// argument.
+std::u16string FormatText(ResourceStrings& strings, std::uint32_t id, const FormatArg& arg);
+
+// The model's name (strings 2210 to 2218 for the codes 0, 1, 2, 3, 4, 5, 7, 8, 9); empty for
+// another code.
+std::u16string ModelText(ResourceStrings& strings, std::uint32_t modelCode);
+// String 2200 with the model's name, and string 2202 after it when asked.
+std::u16string ModelStatusText(ResourceStrings& strings, std::uint32_t modelCode,
+                               bool notConnected);
+
+// The printer takes jobs now: its start and until times (minutes after midnight, UTC) are both
+// 0, or the UTC time of day lies in [start, until).
+bool WithinAvailabilityHours(std::uint32_t startTime, std::uint32_t untilTime,
+                             const LocalTime& utcNow);
+// The same for the sheet's printer, from its level-2 information; a printer whose information
+// cannot be read counts as always available.
+bool PrinterAvailableNow(PageContext& context);
+
+}  // namespace kx20::logos
