@@ -32,6 +32,7 @@ if(KX20_TOOL_SOURCES)
   add_executable(kx20 ${KX20_TOOL_SOURCES})
   target_link_libraries(kx20 PRIVATE kx20sim kx20memory kx20posix kx20core)
   target_compile_options(kx20 PRIVATE ${KX20_WARNINGS})
+  add_test(NAME kx20_logo_cli COMMAND ${CMAKE_SOURCE_DIR}/tests/tools/kx20_logo_cli.sh $<TARGET_FILE:kx20>)
 endif()
 
 if(KX20_BENCH)
