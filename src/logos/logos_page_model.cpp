@@ -97,10 +97,7 @@ void LogosPageModel::FillList() {
 }
 
 void LogosPageModel::SetSelection(std::vector<int> rows) {
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    std::erase_if(rows, [&](int r) { return r < 0 || r >= static_cast<int>(slots_.size()); });
-    selection_ = std::move(rows);
+    selection_ = NormalisedSelection(std::move(rows), slots_.size());
 }
 
 bool LogosPageModel::AddEnabled() const {
@@ -219,12 +216,8 @@ bool LogosPageModel::AddLogo(std::u16string_view path, LogoForm form, std::u16st
 void LogosPageModel::DeleteSelected() {
     if (selection_.empty())
         return;
-    const std::u16string question =
-        selection_.size() > 1
-            ? LoadText(strings_, text::kDeleteLogos)
-            : FormatText(strings_, text::kDeleteOneLogo, FormatArg(slots_[selection_[0]].state));
-    if (prompts_.Show(window_, question, LoadText(strings_, text::kTitle),
-                      box::kYesNo | box::kIconWarning) != box::kIdYes) {
+    if (!ConfirmDeletion(prompts_, strings_, window_, selection_.size(), text::kDeleteOneLogo,
+                         text::kDeleteLogos, slots_[selection_[0]].state)) {
         return;
     }
     WaitCursor wait(prompts_);

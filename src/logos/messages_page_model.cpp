@@ -77,10 +77,7 @@ void MessagesPageModel::FillList() {
 }
 
 void MessagesPageModel::SetSelection(std::vector<int> rows) {
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    std::erase_if(rows, [&](int r) { return r < 0 || r >= static_cast<int>(slots_.size()); });
-    selection_ = std::move(rows);
+    selection_ = NormalisedSelection(std::move(rows), slots_.size());
     editText_ = selection_.size() == 1 ? slots_[selection_[0]].text : std::u16string();
 }
 
@@ -142,12 +139,8 @@ bool MessagesPageModel::StoreMessage(std::u16string_view typed) {
 void MessagesPageModel::DeleteSelected() {
     if (selection_.empty())
         return;
-    const std::u16string question =
-        selection_.size() > 1
-            ? LoadText(strings_, text::kDeleteMessages)
-            : FormatText(strings_, text::kDeleteOneMessage, FormatArg(slots_[selection_[0]].state));
-    if (prompts_.Show(window_, question, LoadText(strings_, text::kTitle),
-                      box::kYesNo | box::kIconWarning) != box::kIdYes) {
+    if (!ConfirmDeletion(prompts_, strings_, window_, selection_.size(), text::kDeleteOneMessage,
+                         text::kDeleteMessages, slots_[selection_[0]].state)) {
         return;
     }
     WaitCursor wait(prompts_);

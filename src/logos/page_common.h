@@ -4,10 +4,12 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "entry/page_context.h"
 #include "platform/files.h"
 #include "platform/format.h"
+#include "platform/prompts.h"
 #include "platform/resources.h"
 
 namespace kx20::logos {
@@ -45,6 +47,15 @@ std::u16string LoadText(ResourceStrings& strings, std::uint32_t id);
 // A string with one placeholder filled; the string as it stands when it does not take the
 // argument.
 std::u16string FormatText(ResourceStrings& strings, std::uint32_t id, const FormatArg& arg);
+
+// The deletion question (title 2220, Yes/No, warning icon): `manyId` for several rows,
+// `oneId` formatted with the row's column-1 text for one. True when the answer is Yes.
+bool ConfirmDeletion(UserPrompts& prompts, ResourceStrings& strings, WindowId owner,
+                     std::size_t rows, std::uint32_t oneId, std::uint32_t manyId,
+                     std::u16string_view rowText);
+
+// A list selection in row order, each row once, rows outside the list left out.
+std::vector<int> NormalisedSelection(std::vector<int> rows, std::size_t rowCount);
 
 // The model's name (strings 2210 to 2218 for the codes 0, 1, 2, 3, 4, 5, 7, 8, 9); empty for
 // another code.

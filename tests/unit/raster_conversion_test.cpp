@@ -274,6 +274,10 @@ TEST_F(PictureFiles, BadFilesFailWithATraceAndNeverReadOutside) {
     Bytes zero = bmp;
     WriteU32(zero, 18, 0);
     bad.push_back(zero);
+    // Rows beyond the end of the file.
+    Bytes cut = bmp;
+    cut.resize(bmp.size() - 1);
+    bad.push_back(cut);
     for (std::size_t i = 0; i < bad.size(); ++i) {
         files.Put(u"out", {});
         EXPECT_FALSE(Convert(bad[i], kFull, true)) << i;

@@ -13,27 +13,31 @@
 
 namespace kx20::testpics {
 
-// A 24-bit bottom-up bitmap file of the canvas.
-inline Bytes Bmp24(const RgbCanvas& c) {
-    const std::uint32_t stride = (static_cast<std::uint32_t>(c.width) * 3 + 3) & ~3u;
-    const std::uint32_t imageSize = stride * static_cast<std::uint32_t>(c.height);
-    Bytes f;
-    AppendU8(f, 'B');
-    AppendU8(f, 'M');
+// The file and information headers of a bottom-up bitmap without a colour table.
+inline Bytes BmpHeader(int width, int height, std::uint16_t bits, std::uint32_t imageSize) {
+    Bytes f = {'B', 'M'};
     AppendU32(f, 54 + imageSize);
     AppendU32(f, 0);
     AppendU32(f, 54);
     AppendU32(f, 40);
-    AppendU32(f, static_cast<std::uint32_t>(c.width));
-    AppendU32(f, static_cast<std::uint32_t>(c.height));
+    AppendU32(f, static_cast<std::uint32_t>(width));
+    AppendU32(f, static_cast<std::uint32_t>(height));
     AppendU16(f, 1);
-    AppendU16(f, 24);
+    AppendU16(f, bits);
     AppendU32(f, 0);
     AppendU32(f, imageSize);
     AppendU32(f, 3780);
     AppendU32(f, 3780);
     AppendU32(f, 0);
     AppendU32(f, 0);
+    return f;
+}
+
+// A 24-bit bottom-up bitmap file of the canvas.
+inline Bytes Bmp24(const RgbCanvas& c) {
+    const std::uint32_t stride = (static_cast<std::uint32_t>(c.width) * 3 + 3) & ~3u;
+    const std::uint32_t imageSize = stride * static_cast<std::uint32_t>(c.height);
+    Bytes f = BmpHeader(c.width, c.height, 24, imageSize);
     for (int y = c.height - 1; y >= 0; --y) {
         std::uint32_t written = 0;
         for (int x = 0; x < c.width; ++x, written += 3) {
@@ -51,23 +55,7 @@ inline Bytes Bmp24(const RgbCanvas& c) {
 // ignores in a bitmap file).
 inline Bytes Bmp32(const RgbCanvas& c, const std::vector<std::uint8_t>& alpha) {
     const std::uint32_t imageSize = static_cast<std::uint32_t>(c.width * c.height * 4);
-    Bytes f;
-    AppendU8(f, 'B');
-    AppendU8(f, 'M');
-    AppendU32(f, 54 + imageSize);
-    AppendU32(f, 0);
-    AppendU32(f, 54);
-    AppendU32(f, 40);
-    AppendU32(f, static_cast<std::uint32_t>(c.width));
-    AppendU32(f, static_cast<std::uint32_t>(c.height));
-    AppendU16(f, 1);
-    AppendU16(f, 32);
-    AppendU32(f, 0);
-    AppendU32(f, imageSize);
-    AppendU32(f, 3780);
-    AppendU32(f, 3780);
-    AppendU32(f, 0);
-    AppendU32(f, 0);
+    Bytes f = BmpHeader(c.width, c.height, 32, imageSize);
     for (int y = c.height - 1; y >= 0; --y) {
         for (int x = 0; x < c.width; ++x) {
             const std::uint32_t p = c.At(x, y);

@@ -19,7 +19,6 @@
 #define STB_IMAGE_IMPLEMENTATION
 #include "stb_image.h"
 
-#define STBIW_ONLY_PNG
 #define STB_IMAGE_WRITE_STATIC
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #include "stb_image_write.h"
@@ -43,6 +42,34 @@ Format Sniff(ByteSpan file) {
     if (file[0] == 'G' && file[1] == 'I' && file[2] == 'F')
         return Format::Gif;
     return Format::Unknown;
+}
+
+// A bitmap file whose pixel rows do not all lie in the file is damaged (the decoder would
+// make them up as black).
+bool BitmapRowsInFile(ByteSpan file) {
+    const std::uint32_t offset = ReadU32(file, 10);
+    const std::uint32_t header = ReadU32(file, 14);
+    std::int64_t width = 0, height = 0;
+    std::uint32_t bits = 0, compression = 0;
+    if (header == 12) {
+        width = ReadU16(file, 18);
+        height = ReadU16(file, 20);
+        bits = ReadU16(file, 24);
+    } else {
+        width = static_cast<std::int32_t>(ReadU32(file, 18));
+        height = static_cast<std::int32_t>(ReadU32(file, 22));
+        bits = ReadU16(file, 28);
+        compression = ReadU32(file, 30);
+    }
+    if (compression != 0 && compression != 3)
+        return true;  // compressed rows: the decoder judges them
+    if (width < 0)
+        return false;
+    if (height < 0)
+        height = -height;
+    const std::int64_t stride = (width * bits + 31) / 32 * 4;
+    return static_cast<std::int64_t>(offset) + stride * height <=
+           static_cast<std::int64_t>(file.size());
 }
 
 class StbPicture : public Picture {
@@ -72,6 +99,8 @@ struct StbFree {
 std::unique_ptr<Picture> StbPictures::Load(ByteSpan file) {
     const Format format = Sniff(file);
     if (format == Format::Unknown || file.size() > static_cast<std::size_t>(INT_MAX))
+        return nullptr;
+    if (format == Format::Bitmap && !BitmapRowsInFile(file))
         return nullptr;
     const auto* data = reinterpret_cast<const stbi_uc*>(file.data());
     const int length = static_cast<int>(file.size());
@@ -111,6 +140,33 @@ std::unique_ptr<Picture> StbPictures::Load(ByteSpan file) {
     return std::make_unique<StbPicture>(std::move(picture));
 }
 
+namespace {
+
+void AppendToBytes(void* context, void* bytes, int size) {
+    auto* out = static_cast<Bytes*>(context);
+    const auto* b = static_cast<const std::uint8_t*>(bytes);
+    out->insert(out->end(), b, b + size);
+}
+
+}  // namespace
+
+Bytes EncodeJpeg(const RgbCanvas& canvas, int quality) {
+    if (canvas.width <= 0 || canvas.height <= 0)
+        return {};
+    std::vector<std::uint8_t> rgb(canvas.pixels.size() * 3);
+    for (std::size_t i = 0; i < canvas.pixels.size(); ++i) {
+        rgb[3 * i] = RedOf(canvas.pixels[i]);
+        rgb[3 * i + 1] = GreenOf(canvas.pixels[i]);
+        rgb[3 * i + 2] = BlueOf(canvas.pixels[i]);
+    }
+    Bytes out;
+    if (!stbi_write_jpg_to_func(AppendToBytes, &out, canvas.width, canvas.height, 3, rgb.data(),
+                                quality)) {
+        return {};
+    }
+    return out;
+}
+
 Bytes EncodePng(const RgbCanvas& canvas, const std::vector<std::uint8_t>* alpha) {
     if (canvas.width <= 0 || canvas.height <= 0)
         return {};
@@ -127,13 +183,8 @@ Bytes EncodePng(const RgbCanvas& canvas, const std::vector<std::uint8_t>* alpha)
             out[3] = (*alpha)[i];
     }
     Bytes out;
-    auto sink = [](void* context, void* bytes, int size) {
-        auto* o = static_cast<Bytes*>(context);
-        const auto* b = static_cast<const std::uint8_t*>(bytes);
-        o->insert(o->end(), b, b + size);
-    };
-    if (!stbi_write_png_to_func(sink, &out, canvas.width, canvas.height, channels, rgb.data(),
-                                canvas.width * channels)) {
+    if (!stbi_write_png_to_func(AppendToBytes, &out, canvas.width, canvas.height, channels,
+                                rgb.data(), canvas.width * channels)) {
         return {};
     }
     return out;

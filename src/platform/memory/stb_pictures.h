@@ -20,5 +20,7 @@ class StbPictures : public Pictures {
 // A PNG file of the canvas: 8-bit RGB, or RGBA when `alpha` gives one value per pixel. Empty
 // when the canvas is empty, the alpha plane does not match it, or encoding fails.
 Bytes EncodePng(const RgbCanvas& canvas, const std::vector<std::uint8_t>* alpha = nullptr);
+// A baseline JPEG file of the canvas at `quality` (1-100); empty when encoding fails.
+Bytes EncodeJpeg(const RgbCanvas& canvas, int quality);
 
 }  // namespace kx20

@@ -80,11 +80,14 @@ std::u16string PosixFileSystem::WindowsFolder() {
     return u"/";
 }
 
-LocalTime SystemClock::Now() {
+namespace {
+
+// The clock's time of day, broken down by `breakDown` (local time or UTC).
+LocalTime ClockTime(struct tm* (*breakDown)(const time_t*, struct tm*)) {
     struct timeval tv;
     gettimeofday(&tv, nullptr);
     struct tm tm;
-    localtime_r(&tv.tv_sec, &tm);
+    breakDown(&tv.tv_sec, &tm);
     return {tm.tm_year + 1900,
             tm.tm_mon + 1,
             tm.tm_mday,
@@ -94,18 +97,14 @@ LocalTime SystemClock::Now() {
             static_cast<int>(tv.tv_usec / 1000)};
 }
 
+}  // namespace
+
+LocalTime SystemClock::Now() {
+    return ClockTime(localtime_r);
+}
+
 LocalTime SystemClock::UtcNow() {
-    struct timeval tv;
-    gettimeofday(&tv, nullptr);
-    struct tm tm;
-    gmtime_r(&tv.tv_sec, &tm);
-    return {tm.tm_year + 1900,
-            tm.tm_mon + 1,
-            tm.tm_mday,
-            tm.tm_hour,
-            tm.tm_min,
-            tm.tm_sec,
-            static_cast<int>(tv.tv_usec / 1000)};
+    return ClockTime(gmtime_r);
 }
 
 void SystemClock::Sleep(std::uint32_t ms) {
