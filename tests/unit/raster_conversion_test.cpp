@@ -274,6 +274,9 @@ TEST_F(PictureFiles, BadFilesFailWithATraceAndNeverReadOutside) {
     Bytes zero = bmp;
     WriteU32(zero, 18, 0);
     bad.push_back(zero);
+    // A JPEG Huffman table with more than 256 codes (past the file's end, read as zeros).
+    bad.push_back({0xFF, 0xD8, 0xFF, 0xC4, 0x01, 0xA2, 0x00, 0x00, 0x01, 0x05, 0x01, 0x01, 0xAE,
+                   0x0F, 0x00, 0xD9});
     // Rows beyond the end of the file.
     Bytes cut = bmp;
     cut.resize(bmp.size() - 1);
@@ -284,6 +287,16 @@ TEST_F(PictureFiles, BadFilesFailWithATraceAndNeverReadOutside) {
         EXPECT_FALSE(TraceMessages(files).empty()) << i;
     }
     EXPECT_FALSE(ConvertPictureToRaster(files, pictures, kFull, true, u"C:\\missing"));
+
+    // An empty image-data chunk adds nothing to a PNG.
+    Bytes padded(good.begin(), good.begin() + 33);  // signature and header chunk
+    const Bytes emptyChunk = {0, 0, 0, 0, 'I', 'D', 'A', 'T', 0x35, 0xAF, 0x06, 0x1E};
+    AppendBytes(padded, emptyChunk);
+    padded.insert(padded.end(), good.begin() + 33, good.end());
+    const auto plain = Convert(good, kFull, true);
+    const auto withEmpty = Convert(padded, kFull, true);
+    ASSERT_TRUE(plain && withEmpty);
+    EXPECT_EQ(withEmpty->bits, plain->bits);
 
     // One pixel converts, scaled or not; a picture too thin to keep a row when scaled fails.
     EXPECT_TRUE(Convert(testpics::Bmp24(testpics::Filled(1, 1, 0)), kFull, true));

@@ -1,7 +1,9 @@
 #include "platform/memory/stb_pictures.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
+#include <optional>
 
 #include "platform/picture_stretch.h"
 
@@ -63,13 +65,94 @@ bool BitmapRowsInFile(ByteSpan file) {
     }
     if (compression != 0 && compression != 3)
         return true;  // compressed rows: the decoder judges them
-    if (width < 0)
-        return false;
     if (height < 0)
         height = -height;
+    // Beyond these the picture is refused anyway; within them the sum below cannot overflow.
+    if (width < 0 || width > kMaxPictureSide || height > kMaxPictureSide || bits > 64)
+        return false;
     const std::int64_t stride = (width * bits + 31) / 32 * 4;
     return static_cast<std::int64_t>(offset) + stride * height <=
            static_cast<std::int64_t>(file.size());
+}
+
+// The Huffman tables of a JPEG file: each must hold at most 256 codes. The decoder's table
+// builder writes past its 257-entry arrays for more, so such a file is refused before it is
+// decoded. The segments are followed by their lengths as the decoder follows them, and the
+// entropy-coded data after a scan header is searched for the next marker.
+bool JpegTablesFit(ByteSpan file) {
+    std::size_t at = 2;  // after the start-of-image marker
+    while (at + 1 < file.size()) {
+        if (file[at] != 0xFF) {
+            ++at;  // entropy-coded data
+            continue;
+        }
+        const std::uint8_t marker = file[at + 1];
+        if (marker == 0xFF) {
+            ++at;  // fill byte
+            continue;
+        }
+        if (marker == 0x00 || marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8)) {
+            at += 2;  // stuffed byte, restart or start markers: no length
+            continue;
+        }
+        if (marker == 0xD9)
+            return true;  // end of image
+        if (at + 4 > file.size())
+            return true;
+        const std::size_t length = (std::size_t{file[at + 2]} << 8) | file[at + 3];
+        if (marker == 0xC4) {
+            // As the decoder reads it: tables while the length lasts, bytes past the end of
+            // the file as zeros.
+            auto byteAt = [&](std::size_t i) { return i < file.size() ? file[i] : 0; };
+            std::int64_t left = static_cast<std::int64_t>(length) - 2;
+            for (std::size_t table = at + 4; left > 0;) {
+                const std::uint8_t q = byteAt(table);
+                if ((q >> 4) > 1 || (q & 15) > 3)
+                    break;  // refused by the decoder before it builds anything
+                std::size_t codes = 0;
+                for (std::size_t i = 1; i <= 16; ++i) codes += byteAt(table + i);
+                if (codes > 256)
+                    return false;
+                table += 17 + codes;
+                left -= static_cast<std::int64_t>(17 + codes);
+            }
+        }
+        at += 2 + std::max<std::size_t>(length, 2);
+    }
+    return true;
+}
+
+// A PNG file without its empty image-data chunks, when it has any: they add nothing to the
+// picture, and the decoder would copy zero bytes to a buffer it has not allocated yet.
+std::optional<Bytes> WithoutEmptyImageData(ByteSpan file) {
+    constexpr std::size_t kSignature = 8;
+    auto isEmptyImageData = [&](std::size_t at) {
+        return ReadU32(file, at) == 0 && file[at + 4] == 'I' && file[at + 5] == 'D' &&
+               file[at + 6] == 'A' && file[at + 7] == 'T';
+    };
+    auto chunkLength = [&](std::size_t at) {
+        return (std::size_t{file[at]} << 24) | (std::size_t{file[at + 1]} << 16) |
+               (std::size_t{file[at + 2]} << 8) | file[at + 3];
+    };
+    std::optional<Bytes> out;
+    std::size_t at = kSignature;
+    std::size_t copied = 0;  // bytes of `file` already in `out`
+    while (at + 12 <= file.size()) {
+        const std::size_t length = chunkLength(at);
+        if (length > file.size() - at - 12)
+            break;  // broken chunk structure: left to the decoder
+        if (isEmptyImageData(at)) {
+            if (!out)
+                out.emplace();
+            out->insert(out->end(), file.begin() + static_cast<std::ptrdiff_t>(copied),
+                        file.begin() + static_cast<std::ptrdiff_t>(at));
+            copied = at + 12;
+        }
+        at += 12 + length;
+    }
+    if (out)
+        out->insert(out->end(), file.begin() + static_cast<std::ptrdiff_t>(copied), file.end());
+    return out;
 }
 
 class StbPicture : public Picture {
@@ -102,6 +185,11 @@ std::unique_ptr<Picture> StbPictures::Load(ByteSpan file) {
         return nullptr;
     if (format == Format::Bitmap && !BitmapRowsInFile(file))
         return nullptr;
+    if (format == Format::Jpeg && !JpegTablesFit(file))
+        return nullptr;
+    std::optional<Bytes> normalised;
+    if (format == Format::Png && (normalised = WithoutEmptyImageData(file)))
+        file = *normalised;
     const auto* data = reinterpret_cast<const stbi_uc*>(file.data());
     const int length = static_cast<int>(file.size());
     int w = 0, h = 0, channels = 0;
