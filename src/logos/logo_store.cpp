@@ -1,5 +1,7 @@
 #include "logos/logo_store.h"
 
+#include <new>
+
 #include "channel/job_channel.h"
 #include "channel/printer_queries.h"
 #include "log/trace.h"
@@ -100,10 +102,14 @@ bool ConvertAndDownloadLogo(const StoreTarget& t, std::uint8_t number, bool full
         return false;
     }
     if (!fullWidth) {
-        Bytes bands = RegroupToColumnBands(*raster);
         // Without the band buffer the rows go as they are.
-        if (!bands.empty())
-            raster->bits = std::move(bands);
+        try {
+            Bytes bands = RegroupToColumnBands(*raster);
+            if (!bands.empty())
+                raster->bits = std::move(bands);
+        } catch (const std::bad_alloc&) {
+            DrvTrace(u"ConvertAndDownloadLogo - no memory for the column bands\n");
+        }
     }
     if (!DownloadLogo(t, number, raster->width, raster->height, raster->bits))
         return false;

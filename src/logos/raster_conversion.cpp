@@ -368,7 +368,12 @@ std::optional<Raster> ColumnBandsToRows(ByteSpan bands, int width, int height) {
 
 std::optional<OpenedPicture> OpenPictureBytes(Pictures& pictures, ByteSpan file) {
     OpenedPicture opened;
-    opened.picture = pictures.Load(file);
+    try {
+        opened.picture = pictures.Load(file);
+    } catch (const std::bad_alloc&) {
+        DrvTrace(u"LoadPictureFile - out of memory\n");
+        return std::nullopt;
+    }
     if (!opened.picture) {
         DrvTrace(u"LoadPictureFile - OleLoadPicture Failed\n");
         return std::nullopt;
