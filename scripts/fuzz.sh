@@ -6,6 +6,8 @@ root=$(cd "$(dirname "$0")/.." && pwd)
 seconds="${1:-10}"
 dir=$("$root/scripts/build.sh" fuzz)
 status=0
+# Undefined behaviour found by a target is a fault like any other.
+export UBSAN_OPTIONS="halt_on_error=1:print_stacktrace=1"
 for target in "$dir"/fuzz_*; do
   [ -x "$target" ] || continue
   name=$(basename "$target")

@@ -8,6 +8,11 @@
 
 namespace kx20::channel {
 
+// True when `startTime` and `untilTime` (minutes after midnight UTC) are both 0, or the UTC
+// time of day lies in [start, until).
+bool WithinAvailabilityHours(std::uint32_t startTime, std::uint32_t untilTime,
+                             const LocalTime& utcNow);
+
 // True when the printer's start and until times (minutes after midnight UTC, level-2
 // information) are both 0, or the current UTC time as hour x 60 + minute is at least the start
 // time and less than the until time. A printer whose information cannot be read is not held

@@ -144,16 +144,15 @@ bool OutMaintenanceCommand(Platform& p, std::u16string_view printerName) {
     return SendPrinterCommand(p, printerName, true, command, reply).ok();
 }
 
+bool OutEraseFlashArea(Platform& p, std::u16string_view printerName, std::uint8_t area) {
+    return EraseAreas(p, printerName, std::span(&area, 1));
+}
+
 bool OutEraseAllSectors(Platform& p, std::u16string_view printerName, std::uint32_t modelCode) {
     const std::uint8_t all[] = {kAreaLogos, kAreaMessages, kAreaFonts, kAreaSbcsThermal,
                                 kAreaDbcsThermal};
     const std::size_t count = store::HasDbcsArea(modelCode) ? 5 : 4;
     return EraseAreas(p, printerName, std::span(all, count));
-}
-
-bool OutEraseFlashArea(Platform& p, std::u16string_view printerName, std::uint8_t area) {
-    const std::uint8_t areas[] = {area};
-    return EraseAreas(p, printerName, areas);
 }
 
 bool OutEraseAllFontSectors(Platform& p, std::u16string_view printerName, std::uint32_t modelCode) {

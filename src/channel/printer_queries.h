@@ -53,14 +53,14 @@ bool IsFlashWritable(Platform& p, std::u16string_view printerName);
 bool OutSetFlashWritable(Platform& p, std::u16string_view printerName, bool enable);
 
 bool OutMaintenanceCommand(Platform& p, std::u16string_view printerName);
+// Erase one flash area (0x15 area, printer name passed); the logo, message and font pages
+// erase their own areas with it.
+bool OutEraseFlashArea(Platform& p, std::u16string_view printerName, std::uint8_t area);
 // Erase every area (logos, messages, single-byte fonts, and the thermal double-byte area on
 // the models that have one), or only the font areas. Every command is sent even after one
 // fails; the answer is false if any failed.
 bool OutEraseAllSectors(Platform& p, std::u16string_view printerName, std::uint32_t modelCode);
 bool OutEraseAllFontSectors(Platform& p, std::u16string_view printerName, std::uint32_t modelCode);
-// Erases one area (0x15 n, printer name passed), as the pages do when the catalogue and the
-// printer disagree.
-bool OutEraseFlashArea(Platform& p, std::u16string_view printerName, std::uint8_t area);
 
 // Serial reset first, else buffered, else immediate; always waits kResetWaitMs afterwards.
 void ResetKX20Printer(Platform& p, bool serial, bool buffered, std::u16string_view printerName,

@@ -11,11 +11,14 @@
 #include "devmode/devmode.h"
 #include "devmode/printer_settings.h"
 #include "entry/resource_module.h"
+#include "platform/pictures.h"
 #include "platform/platform.h"
 #include "platform/prompts.h"
 #include "platform/resources.h"
 
 namespace kx20 {
+
+class DevicePages;  // logos/device_pages.h
 
 // What the pages know of the printer's port when the sheet opens: its connection status
 // record, all zero and the identity empty when it cannot be read.
@@ -33,6 +36,7 @@ struct PageContext {
     UserPrompts* prompts = nullptr;
     ResourceStrings* strings = nullptr;  // the resource module's strings
     std::u16string helpPath;             // the resource module's help file; empty when none
+    Pictures* pictures = nullptr;        // the picture loader (logos pages, previews)
 
     std::u16string printerName;
     std::u16string driverName;  // pDriverName of the printer's level-2 information
@@ -44,6 +48,9 @@ struct PageContext {
 
     // The resource module object: owned by the sheet; `strings` and `helpPath` come from it.
     std::unique_ptr<ResourceModule> resources;
+    // Device sheet: the record of the device pages' windows that the logos page keeps while it
+    // lives (its connection timer drives the other pages through it); null before and after.
+    DevicePages* devicePages = nullptr;
 
     // Document sheet only.
     DevModeImage pageCopy{};

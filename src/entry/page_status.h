@@ -19,6 +19,10 @@ inline constexpr std::uint32_t kStringStatusNoFirmware = 2202;
 // outside that list is named as code 0 is.
 std::uint32_t ModelNameStringId(std::uint32_t modelCode);
 
+// String 2200 with the model's name, and string 2202 after it when `markNotReady`.
+std::u16string ModelStatusText(ResourceStrings& strings, std::uint32_t modelCode,
+                               bool markNotReady);
+
 // `status` null: the port has no usable status.
 std::u16string PrinterStatusText(ResourceStrings& strings, const store::ConnectionStatus* status);
 

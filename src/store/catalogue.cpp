@@ -386,6 +386,22 @@ std::vector<MessageRecord> ReadMessageRecords(Platform& p, std::u16string_view p
                                       ParseMessageRecord);
 }
 
+std::vector<Bytes> ReadLogoValues(Platform& p, std::u16string_view printerName,
+                                  std::u16string_view id) {
+    std::vector<Bytes> out;
+    auto key = OpenLogosKey(p, printerName);
+    if (!key)
+        return out;
+    ForEachValueName(*key, [&](const std::u16string& name) {
+        if (Contains(name, id) && Contains(name, kLogoTag)) {
+            if (auto bytes = ReadValueBytes(*key, name))
+                out.push_back(std::move(*bytes));
+        }
+        return false;
+    });
+    return out;
+}
+
 int DeleteLogoEntries(Platform& p, std::u16string_view printerName, std::u16string_view text) {
     return DeleteWhere(OpenLogosKey(p, printerName),
                        [&](std::u16string_view name) { return Contains(name, text); });

@@ -121,6 +121,10 @@ std::vector<LogoRecord> ReadLogoRecords(Platform& p, std::u16string_view printer
 std::vector<MessageRecord> ReadMessageRecords(Platform& p, std::u16string_view printerName,
                                               std::u16string_view id);
 
+// The logo values of `id` as they are stored, in enumeration order, whether they parse or not.
+std::vector<Bytes> ReadLogoValues(Platform& p, std::u16string_view printerName,
+                                  std::u16string_view id);
+
 // Remove every value whose name contains `text` (for the font keys, only values that also
 // carry one of the kind's tags). Called with an identity, they clear that printer's catalogue
 // of the kind. Answer the number of values deleted.

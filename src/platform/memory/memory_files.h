@@ -76,7 +76,7 @@ class ManualClock : public Clock {
     std::uint64_t TotalSlept() const;
 
     LocalTime now{2024, 3, 5, 9, 7, 2, 45};
-    LocalTime utc{2024, 3, 5, 9, 7, 2, 45};
+    LocalTime utc{2024, 3, 5, 8, 7, 2, 45};
     std::vector<std::uint32_t> sleeps;
     std::uint32_t processId = 4242;
 };

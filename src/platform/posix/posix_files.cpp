@@ -100,7 +100,12 @@ std::u16string PosixFileSystem::WindowsFolder() {
 
 namespace {
 
-LocalTime FromTm(const struct tm& tm, const struct timeval& tv) {
+// The clock's time of day, broken down by `breakDown` (local time or UTC).
+LocalTime ClockTime(struct tm* (*breakDown)(const time_t*, struct tm*)) {
+    struct timeval tv;
+    gettimeofday(&tv, nullptr);
+    struct tm tm;
+    breakDown(&tv.tv_sec, &tm);
     return {tm.tm_year + 1900,
             tm.tm_mon + 1,
             tm.tm_mday,
@@ -113,19 +118,11 @@ LocalTime FromTm(const struct tm& tm, const struct timeval& tv) {
 }  // namespace
 
 LocalTime SystemClock::Now() {
-    struct timeval tv;
-    gettimeofday(&tv, nullptr);
-    struct tm tm;
-    localtime_r(&tv.tv_sec, &tm);
-    return FromTm(tm, tv);
+    return ClockTime(localtime_r);
 }
 
 LocalTime SystemClock::UtcNow() {
-    struct timeval tv;
-    gettimeofday(&tv, nullptr);
-    struct tm tm;
-    gmtime_r(&tv.tv_sec, &tm);
-    return FromTm(tm, tv);
+    return ClockTime(gmtime_r);
 }
 
 void SystemClock::Sleep(std::uint32_t ms) {

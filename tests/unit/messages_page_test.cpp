@@ -1,0 +1,138 @@
+// The messages page's model against the simulated printer: storing (with the checksum-0 rule),
+// deleting with re-download, start-up states and the part it plays in the connection timer.
+#include "logos/messages_page_model.h"
+
+#include "logo_rig.h"
+#include "logos/logos_page_model.h"
+
+namespace kx20::logos {
+namespace {
+
+constexpr WindowId kPage = 0x101;
+
+class MessagesPage : public LogoRig {
+  protected:
+    std::unique_ptr<MessagesPageModel> Open() {
+        auto page = std::make_unique<MessagesPageModel>(context, kPage);
+        page->Initialise();
+        return page;
+    }
+    bool Store(MessagesPageModel& page, int row, std::u16string_view text) {
+        page.SetSelection({row});
+        return page.StoreMessage(text);
+    }
+};
+
+TEST_F(MessagesPage, StoredTextReachesThePrinterWithoutLineFeedsAndTheCatalogueAsTyped) {
+    auto page = Open();
+    EXPECT_EQ(page->StatusText(), u"Printer: KX20 II Receipt/Slip DBCS");
+    ASSERT_EQ(page->Slots().size(), 25u);
+    EXPECT_EQ(page->Slots()[24].name, u"Message 25");
+    EXPECT_TRUE(page->StoreEnabled() == false);
+    page->SetSelection({3});
+    EXPECT_TRUE(page->StoreEnabled());
+
+    ASSERT_TRUE(Store(*page, 3, u"Thank you\r\nfor your visit \u20AC"));
+    EXPECT_EQ(printer.state().flash.messages.at(4),
+              Bytes({'T', 'h', 'a', 'n', 'k', ' ', 'y', 'o', 'u', '\r', 'f', 'o', 'r',
+                     ' ', 'y', 'o', 'u', 'r', ' ', 'v', 'i', 's', 'i',  't', ' ', 0xAC}));
+    EXPECT_EQ(StoredMessages().at(4), u"Thank you\r\nfor your visit \u20AC");
+    EXPECT_EQ(store::GetMessageCRC(p, kPrinter, kId), printer.Checksum(2));
+    EXPECT_EQ(JobNames(), std::vector<std::u16string>{u"KX20 Message 4"});
+    EXPECT_EQ(page->Slots()[3].state, u"Stored");
+    ASSERT_EQ(prompts.broadcasts.size(), 1u);
+    EXPECT_EQ(prompts.broadcasts[0].which, RefreshMessage::Messages);
+
+    // The edit follows the selection.
+    page->SetSelection({3});
+    EXPECT_EQ(page->EditText(), u"Thank you\r\nfor your visit \u20AC");
+    page->SetSelection({3, 4});
+    EXPECT_EQ(page->EditText(), u"");
+
+    // A used slot, an empty text or no single selection: nothing happens.
+    EXPECT_FALSE(Store(*page, 3, u"again"));
+    EXPECT_FALSE(Store(*page, 5, u""));
+    page->SetSelection({5, 6});
+    EXPECT_FALSE(page->StoreMessage(u"two rows"));
+    EXPECT_EQ(spooler.jobs.size(), 1u);
+    EXPECT_TRUE(prompts.boxes.empty());
+}
+
+TEST_F(MessagesPage, ChecksumZeroAfterTheDownloadWipesTheArea) {
+    auto page = Open();
+    store::RegisterMessage(p, 5, u"listed", kId, kPrinter);
+    // The printer takes the job but stores nothing (its flash is protected): checksum 0.
+    ASSERT_EQ(printer.Control(u"protect=1"), 0u);
+    monitor.calls.clear();
+    EXPECT_FALSE(Store(*page, 1, u"lost"));
+    EXPECT_EQ(Erases(), std::vector<int>{2});
+    EXPECT_TRUE(StoredMessages().empty());
+    EXPECT_EQ(BoxTexts(), std::vector<std::uint32_t>{2238});
+    EXPECT_FALSE(page->Slots()[1].used);
+
+    // A failed job: the list is refilled, nothing is erased.
+    ASSERT_EQ(printer.Control(u"protect=0"), 0u);
+    spooler.jobStatusScript = {kJobStatusError};
+    monitor.calls.clear();
+    EXPECT_FALSE(Store(*page, 1, u"again"));
+    EXPECT_TRUE(Erases().empty());
+    EXPECT_EQ(prompts.boxes.size(), 2u);
+}
+
+TEST_F(MessagesPage, DeletingOneErasesAndDownloadsTheOthersStoringEachChecksum) {
+    auto page = Open();
+    ASSERT_TRUE(Store(*page, 0, u"one"));
+    ASSERT_TRUE(Store(*page, 1, u"two"));
+    ASSERT_TRUE(Store(*page, 2, u"three"));
+    spooler.jobs.clear();
+    monitor.calls.clear();
+    page->SetSelection({0, 2});
+    prompts.answers = {box::kIdYes};
+    page->DeleteSelected();
+    EXPECT_EQ(prompts.boxes.back().text, u"Delete the selected messages from the printer?");
+    EXPECT_EQ(Erases(), std::vector<int>{2});
+    EXPECT_EQ(JobNames(), std::vector<std::u16string>{u"KX20 Message 2"});
+    EXPECT_EQ(printer.state().flash.messages.size(), 1u);
+    EXPECT_EQ(StoredMessages(), (std::map<std::uint32_t, std::u16string>{{2, u"two"}}));
+    EXPECT_EQ(store::GetMessageCRC(p, kPrinter, kId), printer.Checksum(2));
+    EXPECT_EQ(page->Slots()[0].state, u"(empty)");
+    EXPECT_EQ(page->EditText(), u"");
+}
+
+TEST_F(MessagesPage, StartupStatesAndTheLogosTimer) {
+    ASSERT_EQ(printer.Control(u"disconnect"), 0u);
+    auto unplugged = Open();
+    EXPECT_EQ(unplugged->StatusText(), u"Printer: KX20 II Receipt/Slip DBCS - not ready");
+    EXPECT_TRUE(unplugged->Slots().empty());
+    EXPECT_TRUE(unplugged->ControlsEnabled());
+
+    ASSERT_EQ(printer.Control(u"remove"), 0u);
+    auto unknown = Open();
+    EXPECT_EQ(unknown->StatusText(), u"The printer's status cannot be read. Check that the printer is switched on and connected.");
+    EXPECT_FALSE(unknown->ControlsEnabled());
+    unknown.reset();
+    unplugged.reset();
+
+    // With the logos page's record: the timer refills and disables this page.
+    ASSERT_EQ(printer.Control(u"publish"), 0u);
+    ASSERT_EQ(printer.Control(u"connect"), 0u);
+    store::SetMessageCRC(p, kPrinter, kId, 1);  // keeps start-up from erasing
+    LogosPageModel logos(context, 0x100);
+    logos.Initialise();
+    auto page = Open();
+    ASSERT_EQ(context.devicePages->At(DevicePageSlot::Messages), page.get());
+    ASSERT_TRUE(Store(*page, 0, u"one"));
+    ASSERT_EQ(printer.Control(u"disconnect"), 0u);
+    logos.OnTimer();
+    EXPECT_TRUE(page->Slots().empty());
+    EXPECT_FALSE(page->ControlsEnabled());
+    EXPECT_EQ(page->StatusText(), u"The printer's status cannot be read. Check that the printer is switched on and connected.");
+    ASSERT_EQ(printer.Control(u"connect"), 0u);
+    logos.OnTimer();
+    EXPECT_TRUE(page->ControlsEnabled());
+    EXPECT_TRUE(page->Slots()[0].used);
+    EXPECT_EQ(page->StatusText(), u"Printer: KX20 II Receipt/Slip DBCS");
+}
+
+}  // namespace
+}  // namespace kx20::logos

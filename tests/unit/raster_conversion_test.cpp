@@ -1,0 +1,312 @@
+// Picture to logo raster: sizes, the dither against its plain float-plane form, the packing and
+// the band layout, the native loader's stretch and transparency, and bad picture files.
+#include "logos/raster_conversion.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "log/trace.h"
+#include "logos/raster_reference.h"
+#include "platform/memory/memory_files.h"
+#include "platform/memory/stb_pictures.h"
+#include "platform/picture_stretch.h"
+#include "trace_capture.h"
+#include "unit/test_pictures.h"
+
+namespace kx20::logos {
+namespace {
+
+constexpr LogoLimits kFull{576, 2040};
+constexpr LogoLimits kNarrow{472, 40};
+
+bool Bit(const Raster& r, int x, int y) {
+    return (r.bits[static_cast<std::size_t>(y) * (r.width / 8) + x / 8] >> (7 - x % 8)) & 1;
+}
+
+int CountBlack(const Raster& r) {
+    int n = 0;
+    for (std::uint8_t b : r.bits) n += __builtin_popcount(b);
+    return n;
+}
+
+TEST(LogoGrid, TargetAndGridFollowTheLongerSideOnly) {
+    struct Case {
+        PixelSize picture;
+        LogoLimits limits;
+        bool scale;
+        PixelSize target, grid;
+    };
+    const Case cases[] = {
+        {{100, 10}, kFull, false, {100, 10}, {128, 16}},
+        {{600, 300}, kFull, true, {576, 288}, {576, 288}},
+        {{300, 3000}, kFull, true, {204, 2040}, {224, 2040}},
+        {{1000, 900}, kNarrow, true, {472, 424}, {472, 40}},
+        {{460, 30}, kNarrow, false, {460, 30}, {472, 32}},  // 480 cropped to 472
+        {{500, 500}, kFull, true, {500, 500}, {512, 504}},  // square: height rule, no change
+        {{3000, 1}, kFull, true, {576, 0}, {576, 0}},       // too thin to keep a row
+        {{1, 1}, kFull, false, {1, 1}, {32, 8}},
+    };
+    for (const Case& c : cases) {
+        const PixelSize target = TargetSize(c.picture, c.limits, c.scale);
+        EXPECT_EQ(target, c.target) << c.picture.width << "x" << c.picture.height;
+        EXPECT_EQ(GridSize(target, c.limits), c.grid) << c.picture.width << "x" << c.picture.height;
+    }
+}
+
+TEST(LogoDither, FastRasterEqualsThePlainFloatPlaneBitForBit) {
+    struct Case {
+        int canvasW, canvasH;
+        PixelSize grid;
+    };
+    const Case
+        cases[] =
+            {
+                {576, 2040, {576, 2040}}, {472, 40, {472, 40}},    {100, 10, {128, 16}},
+                {8, 8, {8, 8}},           {16, 3, {32, 24}},       {37, 29, {40, 40}},
+                {300, 70, {224, 72}},  // canvas wider and taller than the grid
+                {1, 1, {32, 8}},          {64, 17, {64, 17 + 15}},
+            };
+    std::uint32_t seed = 1;
+    for (const Case& c : cases) {
+        for (int variant = 0; variant < 3; ++variant, ++seed) {
+            RgbCanvas canvas;
+            if (variant == 0) {
+                canvas = testpics::PhotoLike(c.canvasW, c.canvasH, seed);
+            } else {
+                // Uniform noise reaches the clamps from both sides often.
+                std::mt19937 rng(seed);
+                canvas = testpics::Painted(c.canvasW, c.canvasH, [&](int, int) {
+                    return variant == 1 ? rng() : ((rng() & 1) ? 0xFFFFFFu : 0x7F7F7Fu);
+                });
+            }
+            const Raster fast = DitherToRaster(canvas, c.grid);
+            const Raster plain = DitherToRasterReference(canvas, c.grid);
+            ASSERT_EQ(fast.width, c.grid.width);
+            ASSERT_EQ(fast.height, c.grid.height);
+            ASSERT_EQ(fast.bits, plain.bits)
+                << c.canvasW << "x" << c.canvasH << " grid " << c.grid.width << "x" << c.grid.height
+                << " variant " << variant;
+        }
+    }
+}
+
+TEST(LogoDither, GreyLevelsBecomeTheirShareOfDotsAndPaddingStaysBlank) {
+    // A black 100 x 10 picture in a 128 x 16 grid: every dot of the picture, none of the
+    // padding (which reads as the invalid colour and can never be set).
+    const Raster black = DitherToRaster(testpics::Filled(100, 10, 0), {128, 16});
+    EXPECT_EQ(CountBlack(black), 100 * 10);
+    EXPECT_TRUE(Bit(black, 99, 9));
+    EXPECT_FALSE(Bit(black, 100, 9));
+    EXPECT_FALSE(Bit(black, 0, 10));
+
+    const Raster white = DitherToRaster(testpics::Filled(64, 64, 0xFFFFFF), {64, 64});
+    EXPECT_EQ(CountBlack(white), 0);
+
+    for (std::uint8_t level : {64, 128, 192}) {
+        const Raster r =
+            DitherToRaster(testpics::Filled(128, 128, RgbPixel(level, level, level)), {128, 128});
+        const double darkness = 1.0 - GreyValue(RgbPixel(level, level, level));
+        EXPECT_NEAR(CountBlack(r) / (128.0 * 128.0), darkness, 0.02) << int(level);
+    }
+    // The weights are 0.31 / 0.56 / 0.13 on red, green, blue, truncated.
+    EXPECT_FLOAT_EQ(GreyValue(RgbPixel(255, 0, 0)), 79 / 255.0f);
+    EXPECT_FLOAT_EQ(GreyValue(RgbPixel(0, 255, 0)), 142 / 255.0f);
+    EXPECT_FLOAT_EQ(GreyValue(RgbPixel(0, 0, 255)), 33 / 255.0f);
+}
+
+TEST(LogoBands, TopRowOfEachBandLandsInBitZeroAndTheBandsRoundTrip) {
+    Raster rows{16, 16, Bytes(32, 0)};
+    rows.bits[0] = 0x80;          // (0, 0): band 0, column 0, bit 0
+    rows.bits[7 * 2 + 1] = 0x01;  // (15, 7): band 0, column 15, bit 7
+    rows.bits[8 * 2] = 0x40;      // (1, 8): band 1, column 1, bit 0
+    const Bytes bands = RegroupToColumnBands(rows);
+    ASSERT_EQ(bands.size(), 32u);
+    Bytes expected(32, 0);
+    expected[0] = 0x01;
+    expected[15] = 0x80;
+    expected[16 + 1] = 0x01;
+    EXPECT_EQ(bands, expected);
+
+    std::mt19937 rng(7);
+    Raster random{472, 40, Bytes(472 / 8 * 40)};
+    for (auto& b : random.bits) b = static_cast<std::uint8_t>(rng());
+    const auto back = ColumnBandsToRows(RegroupToColumnBands(random), 472, 40);
+    ASSERT_TRUE(back);
+    EXPECT_EQ(back->bits, random.bits);
+    EXPECT_TRUE(RegroupToColumnBands(Raster{472, 36, Bytes(472 / 8 * 36)}).empty());
+}
+
+TEST(PictureStretch, ShrinkAndsEachBlockAndEnlargeRepeats) {
+    DecodedPicture p;
+    p.colours = RgbCanvas(3, 1);
+    p.colours.pixels = {0xF0F0F0, 0x3C3C3C, 0x0F0F0F};
+    RgbCanvas two(2, 1);
+    ASSERT_TRUE(StretchPicture(p, two, 0, 0, 2, 1));
+    EXPECT_EQ(two.pixels, (std::vector<std::uint32_t>{0xF0F0F0 & 0x3C3C3C, 0x0F0F0F}));
+
+    RgbCanvas one(1, 1);  // one column: the last source column is left out
+    ASSERT_TRUE(StretchPicture(p, one, 0, 0, 1, 1));
+    EXPECT_EQ(one.pixels[0], 0xF0F0F0u & 0x3C3C3Cu);
+
+    DecodedPicture q;
+    q.colours = RgbCanvas(2, 2);
+    q.colours.pixels = {1, 2, 3, 4};
+    RgbCanvas big(3, 3);
+    ASSERT_TRUE(StretchPicture(q, big, 0, 0, 3, 3));
+    EXPECT_EQ(big.pixels, (std::vector<std::uint32_t>{1, 1, 2, 1, 1, 2, 3, 3, 4}));
+
+    // Drawn partly outside the canvas: the rest is cut off, the canvas around stays.
+    RgbCanvas shifted(3, 3);
+    ASSERT_TRUE(StretchPicture(q, shifted, 2, 1, 2, 2));
+    EXPECT_EQ(shifted.pixels, (std::vector<std::uint32_t>{0, 0, 0, 0, 0, 1, 0, 0, 3}));
+    EXPECT_FALSE(StretchPicture(q, shifted, 0, 0, 0, 2));
+
+    // Every source pixel lands in exactly one destination pixel of a shrink.
+    for (int src = 1; src <= 40; ++src) {
+        for (int dst = 1; dst <= src; ++dst) {
+            const StretchSteps s = StretchStepsFor(dst, src);
+            int d = 0, err = s.errStart;
+            for (int i = 0; i < s.length; ++i) {
+                ASSERT_LT(d, dst) << src << "->" << dst;
+                if (err > 0) {
+                    ++d;
+                    err += s.errAdd1;
+                } else {
+                    err += s.errAdd2;
+                }
+            }
+            EXPECT_EQ(d, dst) << src << "->" << dst;
+        }
+    }
+}
+
+class PictureFiles : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        SetTraceTarget(&files, &clock, {u"marker", u"out"});
+        files.Put(u"marker", {});
+    }
+    void TearDown() override { SetTraceTarget(nullptr, nullptr); }
+
+    std::optional<Raster> Convert(Bytes file, LogoLimits limits, bool scale) {
+        files.Put(u"C:\\pic", std::move(file));
+        return ConvertPictureToRaster(files, pictures, limits, scale, u"C:\\pic");
+    }
+
+    MemoryFileSystem files;
+    ManualClock clock;
+    StbPictures pictures;
+};
+
+TEST_F(PictureFiles, ScaledPortraitLeavesTheUndrawnColumnsOfItsBitmapBlack) {
+    // 300 x 3000 white, scaled to 204 x 2040 inside a bitmap of 300 x 3000 that starts black:
+    // the grid's columns 204 to 223 lie in the bitmap but outside the picture.
+    const auto raster =
+        Convert(testpics::Bmp24(testpics::Filled(300, 3000, 0xFFFFFF)), kFull, true);
+    ASSERT_TRUE(raster);
+    EXPECT_EQ(raster->width, 224);
+    EXPECT_EQ(raster->height, 2040);
+    EXPECT_EQ(CountBlack(*raster), 20 * 2040);
+    EXPECT_FALSE(Bit(*raster, 203, 100));
+    EXPECT_TRUE(Bit(*raster, 204, 100));
+
+    // The same picture as PNG gives the same raster.
+    const auto png = Convert(EncodePng(testpics::Filled(300, 3000, 0xFFFFFF)), kFull, true);
+    ASSERT_TRUE(png);
+    EXPECT_EQ(png->bits, raster->bits);
+}
+
+TEST_F(PictureFiles, NarrowFormKeepsTheTopRowsOfATallScaledPicture) {
+    // 944 x 848: landscape, width 472, height 424 cropped to 40; the first 60 rows black.
+    const auto picture =
+        testpics::Painted(944, 848, [](int, int y) { return y < 60 ? 0u : 0xFFFFFFu; });
+    const auto raster = Convert(testpics::Bmp24(picture), kNarrow, true);
+    ASSERT_TRUE(raster);
+    EXPECT_EQ(raster->width, 472);
+    EXPECT_EQ(raster->height, 40);
+    EXPECT_EQ(CountBlack(*raster), 472 * 30);  // halved: rows 0..29
+}
+
+TEST_F(PictureFiles, TransparentPixelsAreNotDrawnAndStayBlack) {
+    RgbCanvas white = testpics::Filled(16, 8, 0xFFFFFF);
+    std::vector<std::uint8_t> alpha(white.pixels.size(), 255);
+    for (int x = 0; x < 8; ++x) alpha[static_cast<std::size_t>(x)] = 0;  // left half of row 0
+    const auto raster = Convert(EncodePng(white, &alpha), kFull, false);
+    ASSERT_TRUE(raster);
+    EXPECT_EQ(CountBlack(*raster), 8);
+    EXPECT_TRUE(Bit(*raster, 7, 0));
+    EXPECT_FALSE(Bit(*raster, 8, 0));
+    // A bitmap file's fourth byte is not transparency.
+    const auto bmp = Convert(testpics::Bmp32(white, alpha), kFull, false);
+    ASSERT_TRUE(bmp);
+    EXPECT_EQ(CountBlack(*bmp), 0);
+}
+
+TEST_F(PictureFiles, MeasuredSizeIsThePixelSizeThroughHimetric) {
+    for (int w : {1, 2, 3, 7, 95, 96, 97, 575, 576, 577, 1023, 2041}) {
+        files.Put(u"C:\\pic", testpics::Bmp24(testpics::Filled(w, 3, 0)));
+        PixelSize size;
+        ASSERT_TRUE(LoadPictureFile(files, pictures, u"C:\\pic", nullptr, 0, 0, 0, 0, size));
+        EXPECT_EQ(size, (PixelSize{w, 3}));
+    }
+    EXPECT_EQ(MulDiv(5, 3, 2), 8);  // 7.5 rounds away from zero
+    EXPECT_EQ(MulDiv(-5, 3, 2), -8);
+    EXPECT_EQ(MulDiv(5, 3, 0), -1);
+}
+
+TEST_F(PictureFiles, BadFilesFailWithATraceAndNeverReadOutside) {
+    const Bytes good = EncodePng(testpics::PhotoLike(40, 30, 3));
+    const Bytes bmp = testpics::Bmp24(testpics::PhotoLike(40, 30, 4));
+    std::vector<Bytes> bad = {
+        {},                                      // empty
+        Bytes(1000, 0x41),                       // not a picture
+        Bytes(good.begin(), good.begin() + 60),  // truncated PNG
+        Bytes(bmp.begin(), bmp.begin() + 30),    // truncated bitmap header
+        {'B', 'M'},
+    };
+    // A bitmap header claiming 100000 x 100000 pixels.
+    Bytes huge = bmp;
+    WriteU32(huge, 18, 100000);
+    WriteU32(huge, 22, 100000);
+    bad.push_back(huge);
+    // A header of width 0.
+    Bytes zero = bmp;
+    WriteU32(zero, 18, 0);
+    bad.push_back(zero);
+    // A JPEG Huffman table with more than 256 codes (past the file's end, read as zeros).
+    bad.push_back({0xFF, 0xD8, 0xFF, 0xC4, 0x01, 0xA2, 0x00, 0x00, 0x01, 0x05, 0x01, 0x01, 0xAE,
+                   0x0F, 0x00, 0xD9});
+    // Rows beyond the end of the file.
+    Bytes cut = bmp;
+    cut.resize(bmp.size() - 1);
+    bad.push_back(cut);
+    for (std::size_t i = 0; i < bad.size(); ++i) {
+        files.Put(u"out", {});
+        EXPECT_FALSE(Convert(bad[i], kFull, true)) << i;
+        EXPECT_FALSE(TraceMessages(files).empty()) << i;
+    }
+    EXPECT_FALSE(ConvertPictureToRaster(files, pictures, kFull, true, u"C:\\missing"));
+
+    // An empty image-data chunk adds nothing to a PNG.
+    Bytes padded(good.begin(), good.begin() + 33);  // signature and header chunk
+    const Bytes emptyChunk = {0, 0, 0, 0, 'I', 'D', 'A', 'T', 0x35, 0xAF, 0x06, 0x1E};
+    AppendBytes(padded, emptyChunk);
+    padded.insert(padded.end(), good.begin() + 33, good.end());
+    const auto plain = Convert(good, kFull, true);
+    const auto withEmpty = Convert(padded, kFull, true);
+    ASSERT_TRUE(plain && withEmpty);
+    EXPECT_EQ(withEmpty->bits, plain->bits);
+
+    // One pixel converts, scaled or not; a picture too thin to keep a row when scaled fails.
+    EXPECT_TRUE(Convert(testpics::Bmp24(testpics::Filled(1, 1, 0)), kFull, true));
+    EXPECT_TRUE(Convert(testpics::Bmp24(testpics::Filled(1, 1, 0)), kNarrow, false));
+    EXPECT_FALSE(Convert(testpics::Bmp24(testpics::Filled(3000, 1, 0)), kFull, true));
+    // Far beyond the limits without scaling: cropped, not refused.
+    const auto wide = Convert(testpics::Bmp24(testpics::Filled(5000, 3, 0)), kFull, false);
+    ASSERT_TRUE(wide);
+    EXPECT_EQ(wide->width, 576);
+}
+
+}  // namespace
+}  // namespace kx20::logos
