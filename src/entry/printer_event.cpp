@@ -213,7 +213,8 @@ bool UpgradePrinter(Platform& p, std::uint32_t level, std::u16string_view printe
                 continue;
             const std::size_t n =
                 std::min({static_cast<std::size_t>(count), (*from)->size(), record.size()});
-            std::memcpy(record.data(), (*from)->data(), n);
+            if (n > 0)
+                std::memcpy(record.data(), (*from)->data(), n);
         }
     }
     PrinterInfo info;
