@@ -98,6 +98,7 @@ void DeviceSettingsPageModel::WriteApplyState(ApplyState& shared) const {
 }
 
 EraseOutcome DeviceSettingsPageModel::Apply(WindowId owner, ApplyState& shared) {
+    ctx_.pageCopyApplied = true;
     const bool receipt = station_ == kReceiptStationEntry;
     const RollPaper& paper = RollPapers()[static_cast<std::size_t>(paperRow_)];
     WriteU32(PagePrivatePart(ctx_), kPrivBReceiptStation, receipt ? 1 : 0);

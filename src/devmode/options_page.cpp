@@ -178,6 +178,7 @@ void OptionsPageModel::FollowDeviceSettings(ApplyState* shared) {
 }
 
 void OptionsPageModel::Apply(ApplyState* shared) {
+    ctx_.pageCopyApplied = true;
     MutableByteSpan priv = PagePrivatePart(ctx_);
     WriteU32(priv, kPrivOptionsModeFlag, modeFirst_ ? 1 : 0);
     if (!modeFirst_)

@@ -222,6 +222,7 @@ std::u16string StationPageModel::ChosenMessageText(StationList list) const {
 }
 
 void StationPageModel::Apply() {
+    ctx_.pageCopyApplied = true;
     MutableByteSpan priv = PagePrivatePart(ctx_);
     for (std::size_t i = 0; i < chosen_.size(); ++i)
         WriteU32(priv, block_ + kChoiceOffsets[i], chosen_[i]);

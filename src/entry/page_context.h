@@ -55,6 +55,11 @@ struct PageContext {
     // Document sheet only.
     DevModeImage pageCopy{};
     WindowId sheetWindow = 0;  // set by the pages
+    // A page has written the user's choices into the page copy (the sheet's OK or Apply).
+    bool pageCopyApplied = false;
+    // The host asked for the result (SET_RESULT); a host that never does gets the page copy
+    // when the sheet is destroyed.
+    bool resultDelivered = false;
     // The apply-state record shared by the device settings and options pages; the device
     // settings page makes it the sheet frame's window data.
     ApplyState applyState;

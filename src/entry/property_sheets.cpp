@@ -163,19 +163,37 @@ std::int32_t DevicePropertySheets(const SheetPorts& ports, const SheetCall& call
     }
 }
 
+namespace {
+
+// The page copy into the caller's output record, unless they are the same memory.
+void ReturnPageCopy(const PageContext& context, MutableByteSpan out) {
+    if (!out.empty() && static_cast<const void*>(context.pageCopy.data()) !=
+                            static_cast<const void*>(out.data()))
+        CopySheetResult(context.pageCopy, out);
+}
+
+}  // namespace
+
 std::int32_t DocumentPropertySheets(const SheetPorts& ports, const SheetCall& call,
                                     const DocumentRecords& records) {
     switch (call.reason) {
         case psui::kInit:
             return DocumentInit(ports, call, records);
         case psui::kSetResult:
-            if (*call.context && !records.out.empty() &&
-                static_cast<const void*>((*call.context)->pageCopy.data()) !=
-                    static_cast<const void*>(records.out.data()))
-                CopySheetResult((*call.context)->pageCopy, records.out);
+            if (*call.context) {
+                (*call.context)->resultDelivered = true;
+                ReturnPageCopy(**call.context, records.out);
+            }
             *call.result = 1;
             return 1;
         case psui::kDestroy:
+            // A host without SET_RESULT (Wine's common sheet service) would otherwise lose
+            // what the user applied: the same copy is made on the way out.
+            if (*call.context && (*call.context)->pageCopyApplied &&
+                !(*call.context)->resultDelivered) {
+                DrvTrace(u"  no SET_RESULT from the host: returning the applied page copy\n");
+                ReturnPageCopy(**call.context, records.out);
+            }
             call.context->reset();
             return 1;
         case psui::kGetInfoHeader:

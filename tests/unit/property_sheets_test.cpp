@@ -214,6 +214,37 @@ TEST_F(SheetTest, DocumentSheetStartsFromTheCallersRecord) {
     EXPECT_EQ(context, nullptr);
 }
 
+TEST_F(SheetTest, AHostWithoutSetResultGetsTheAppliedCopyAtDestroy) {
+    LoadCurrentDefaults(p, u"KX20", DefaultsTrace::SheetInit);
+    Bytes out(6004, 0);
+    WriteU16(out, kOffDmSize, 220);
+    WriteU16(out, kOffDmDriverExtra, 5784);
+    const Bytes untouched = out;
+
+    // Closed without applying (Cancel): the caller's record stays as it was.
+    ASSERT_EQ(Document(psui::kInit, {{}, out, kDmOutBuffer | kDmPrompt}), 1);
+    WriteU16(context->pageCopy, kOffDmCopies, 4);
+    ASSERT_EQ(Document(psui::kDestroy, {{}, out, kDmPrompt}), 1);
+    EXPECT_EQ(out, untouched);
+
+    // Applied, and the host never asks for the result: the copy goes out on DESTROY.
+    ASSERT_EQ(Document(psui::kInit, {{}, out, kDmOutBuffer | kDmPrompt}), 1);
+    WriteU16(context->pageCopy, kOffDmCopies, 5);
+    context->pageCopyApplied = true;
+    ASSERT_EQ(Document(psui::kDestroy, {{}, out, kDmPrompt}), 1);
+    EXPECT_EQ(ReadU16(out, kOffDmCopies), 5);
+    EXPECT_EQ(ReadU32(out, 220), kDevModeSignature);
+
+    // A host that asked for the result is not given a second copy.
+    ASSERT_EQ(Document(psui::kInit, {{}, out, kDmOutBuffer | kDmPrompt}), 1);
+    WriteU16(context->pageCopy, kOffDmCopies, 6);
+    context->pageCopyApplied = true;
+    ASSERT_EQ(Document(psui::kSetResult, {{}, out, kDmPrompt}), 1);
+    WriteU16(context->pageCopy, kOffDmCopies, 7);
+    ASSERT_EQ(Document(psui::kDestroy, {{}, out, kDmPrompt}), 1);
+    EXPECT_EQ(ReadU16(out, kOffDmCopies), 6);
+}
+
 TEST_F(SheetTest, SheetResultIsCutToTheSmallerRecord) {
     DevModeImage copy = gsDevMode();
     Bytes out(6004, 0xEE);

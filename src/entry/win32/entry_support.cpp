@@ -1,5 +1,7 @@
 #include "entry/win32/entry_support.h"
 
+#include <algorithm>
+
 #include "devmode/devmode.h"
 
 namespace kx20 {
@@ -22,6 +24,16 @@ MutableByteSpan DeclaredRecord(DEVMODEW* dm) {
     std::size_t size = static_cast<std::size_t>(dm->dmSize) + dm->dmDriverExtra;
     if (size < kOffDmFields + 4)
         size = kOffDmFields + 4;
+    return {reinterpret_cast<std::uint8_t*>(dm), size};
+}
+
+MutableByteSpan OutputBuffer(DEVMODEW* dm, DWORD cbOut) {
+    if (!dm)
+        return {};
+    const std::size_t declared = static_cast<std::size_t>(dm->dmSize) + dm->dmDriverExtra;
+    std::size_t size = std::max<std::size_t>(cbOut, declared);
+    if (size == 0)
+        size = kDevModeSize;
     return {reinterpret_cast<std::uint8_t*>(dm), size};
 }
 

@@ -155,10 +155,7 @@ extern "C" __declspec(dllexport) LONG WINAPI
         static_cast<std::uint32_t>(lParam), info != nullptr, FromWide(header->pszPrinterName),
         Low32(header->pdmIn), Low32(header->pdmOut));
     std::int32_t outSize = static_cast<std::int32_t>(header->cbOut);
-    MutableByteSpan out;
-    if (header->pdmOut)
-        out = {reinterpret_cast<std::uint8_t*>(header->pdmOut),
-               header->cbOut ? header->cbOut : static_cast<DWORD>(kDevModeSize)};
+    MutableByteSpan out = OutputBuffer(header->pdmOut, header->cbOut);
     DocumentRequest request{printerName, DeclaredRecord(header->pdmIn), out, header->fMode,
                             outSize};
 
