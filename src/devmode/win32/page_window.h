@@ -47,7 +47,8 @@ void ShowPageHelp(HWND page, const PageContext& ctx, DWORD topic);
 //   void OnInit();
 //   void OnApply();
 //   void ShowHelp();
-//   bool OnMessage(UINT, WPARAM, LPARAM, LRESULT& result);  // true when handled
+//   bool OnMessage(UINT, WPARAM, LPARAM, LRESULT& result);  // true when handled (also
+//                                                           // WM_NOTIFY of the controls)
 template <class Page>
 INT_PTR RunPage(const char16_t* name, HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     auto result = [hwnd](LRESULT value) {
@@ -89,7 +90,7 @@ INT_PTR RunPage(const char16_t* name, HWND hwnd, UINT message, WPARAM wParam, LP
                 case PSN_RESET:
                     return result(0);
                 default:
-                    return FALSE;
+                    break;  // the controls' own notifications go to the page
             }
         }
         LRESULT value = 0;

@@ -1,0 +1,39 @@
+// The report list both slot pages (logos, messages) show: two columns (slot name, what it
+// holds), rows replaced as a whole, the selection read in row order, and the keyboard the list
+// keeps for itself (it asks for every key).
+#pragma once
+
+#include "platform/win32/windows_clean.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace kx20 {
+
+struct SlotRow {
+    std::u16string name;
+    std::u16string state;
+    bool operator==(const SlotRow&) const = default;
+};
+
+// Full-row selection and the two columns; the first sized to `nameWidth` pixels, the second to
+// the rest of the list.
+void SetupSlotList(HWND list, int nameWidth);
+// Replaces the rows; a list already showing `rows` is left alone. True when it changed.
+bool ShowSlotRows(HWND list, const std::vector<SlotRow>& rows);
+std::vector<int> SelectedRows(HWND list);
+void SelectOnlyRow(HWND list, int row);
+
+// What the list does with the keys it keeps. Tab and Shift+Tab move the focus through the sheet
+// and Escape presses the sheet's Cancel button whatever the page; the others are the page's.
+struct SlotListKeys {
+    std::function<void()> onReturn;       // may be empty
+    std::function<void()> onDelete;       // may be empty
+    std::function<void()> onDoubleClick;  // may be empty
+};
+// Subclasses the list; the keys must outlive the subclass. Undone by UnhookSlotList.
+void HookSlotList(HWND list, SlotListKeys* keys);
+void UnhookSlotList(HWND list);
+
+}  // namespace kx20
