@@ -1,0 +1,384 @@
+// The logos and messages pages as windows: made from KVORSENU.DLL's templates with their
+// dialog procedures in a modeless property sheet over the Win32 adapters and the simulated
+// printer, driven by messages (rows selected, buttons pressed, the file dialog and the message
+// boxes answered from thread timers) and checked against the printer's flash and the lists.
+// The connection timer is driven by sending its WM_TIMER, one tick at a time.
+#include "platform/win32/windows_clean.h"
+
+#include <commctrl.h>
+#include <commdlg.h>
+#include <prsht.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "entry/page_context.h"
+#include "entry/win32/page_procs.h"
+#include "ids_device_pages.h"
+#include "platform/bytes.h"
+#include "platform/win32/win32_pictures.h"
+#include "platform/win32/win32_platform.h"
+#include "platform/win32/win32_prompts.h"
+#include "platform/win32/win32_resources.h"
+#include "platform/win32/win32_text.h"
+#include "store/catalogue.h"
+#include "store/registry_layout.h"
+#include "tests/wine/wine_environment.h"
+#include "tools/winhost/driver_install.h"
+#include "tools/winhost/sim_control.h"
+#include "tools/winhost/window_script.h"
+
+namespace kx20::winetest {
+namespace {
+
+constexpr char16_t kPrinter[] = u"KX20";
+constexpr int kLogosPage = 0;
+constexpr int kMessagesPage = 1;
+constexpr WPARAM kConnectionTimer = 1000;
+
+// Answers every message box of this thread (an owned dialog that is not the file dialog) from
+// a timer that the box's own modal loop runs, and counts them.
+struct BoxAnswer {
+    int answer = IDYES;
+    int seen = 0;
+    std::wstring lastText;
+};
+BoxAnswer g_box;
+
+BOOL CALLBACK CollectText(HWND child, LPARAM) {
+    wchar_t buf[512] = {};
+    GetWindowTextW(child, buf, 512);
+    g_box.lastText += buf;
+    return TRUE;
+}
+
+BOOL CALLBACK AnswerOneBox(HWND window, LPARAM) {
+    wchar_t cls[32] = {};
+    GetClassNameW(window, cls, 32);
+    if (std::wstring(cls) != L"#32770" || !GetWindow(window, GW_OWNER) ||
+        !IsWindowVisible(window) || GetDlgItem(window, IDC_LOGO_FORM) ||
+        FindWindowExW(window, nullptr, nullptr, nullptr) == nullptr)
+        return TRUE;
+    // A message box has no list or edit of a file dialog: it is recognised by its buttons.
+    if (!GetDlgItem(window, IDYES) && !GetDlgItem(window, IDOK))
+        return TRUE;
+    if (GetDlgItem(window, 0x47c) || GetDlgItem(window, 0x480))  // the file dialog's name box
+        return TRUE;
+    g_box.lastText.clear();
+    EnumChildWindows(window, CollectText, 0);
+    ++g_box.seen;
+    PostMessageW(window, WM_COMMAND, GetDlgItem(window, IDYES) ? g_box.answer : IDOK, 0);
+    return FALSE;
+}
+
+void CALLBACK AnswerBoxes(HWND, UINT, UINT_PTR, DWORD) {
+    EnumThreadWindows(GetCurrentThreadId(), AnswerOneBox, 0);
+}
+
+std::string Narrow(const std::wstring& s) {
+    return std::string(s.begin(), s.end());
+}
+
+// A 24-bit picture file of `width` x `height` pixels: a black frame and diagonal on white.
+Bytes PictureFile(int width, int height) {
+    const int stride = (width * 3 + 3) & ~3;
+    const std::uint32_t size = 54 + static_cast<std::uint32_t>(stride * height);
+    Bytes file(size, 0);
+    file[0] = 'B';
+    file[1] = 'M';
+    WriteU32(file, 2, size);
+    WriteU32(file, 10, 54);
+    WriteU32(file, 14, 40);
+    WriteU32(file, 18, static_cast<std::uint32_t>(width));
+    WriteU32(file, 22, static_cast<std::uint32_t>(height));
+    WriteU16(file, 26, 1);
+    WriteU16(file, 28, 24);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const bool ink =
+                x < 2 || y < 2 || x >= width - 2 || y >= height - 2 || x * height / width == y;
+            const std::uint8_t v = ink ? 0 : 0xFF;
+            const std::size_t at = 54 + static_cast<std::size_t>(y * stride + x * 3);
+            file[at] = file[at + 1] = file[at + 2] = v;
+        }
+    return file;
+}
+
+class DeviceSheet : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(sim_.Loaded());
+        ASSERT_EQ(sim_.Control(L"reset"), 0u);
+        ASSERT_EQ(sim_.Control(L"connect"), 0u);
+        resources_ = LoadLibraryW((winhost::ProgramFolder() + L"KVORSENU.DLL").c_str());
+        ASSERT_NE(resources_, nullptr);
+        strings_ = std::make_unique<Win32ResourceStrings>(resources_);
+        ctx_.platform = &win32_.ports;
+        ctx_.prompts = &prompts_;
+        ctx_.strings = strings_.get();
+        ctx_.pictures = &pictures_;
+        ctx_.printerName = kPrinter;
+
+        Platform& p = win32_.ports;
+        store::ConnectionStatus status;
+        ASSERT_TRUE(store::GetConnectionStatus(p, store::PrinterPortName(p, kPrinter), status));
+        ctx_.port = {true, status.modelCode, status.firmwareLevel, status.connected,
+                     status.identity};
+        store::DeleteLogoEntries(p, kPrinter, status.identity);
+        store::DeleteMessageEntries(p, kPrinter, status.identity);
+
+        wchar_t temp[MAX_PATH] = {};
+        GetTempPathW(MAX_PATH, temp);
+        picturePath_ = std::wstring(temp) + L"kx20_page_logo.bmp";
+        const Bytes picture = PictureFile(96, 40);
+        HANDLE file = CreateFileW(picturePath_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr);
+        ASSERT_NE(file, INVALID_HANDLE_VALUE);
+        DWORD written = 0;
+        WriteFile(file, picture.data(), static_cast<DWORD>(picture.size()), &written, nullptr);
+        CloseHandle(file);
+        g_box = {};
+        boxTimer_ = SetTimer(nullptr, 0, 50, AnswerBoxes);
+    }
+
+    void TearDown() override {
+        KillTimer(nullptr, boxTimer_);
+        if (sheet_)
+            DestroyWindow(sheet_);
+        Pump();
+        DeleteFileW(picturePath_.c_str());
+        if (resources_)
+            FreeLibrary(resources_);
+    }
+
+    void Open() {
+        const DLGPROC procs[2] = {kx20::GuiLogosDlgProc, kx20::GuiMessagesDlgProc};
+        PROPSHEETPAGEW pages[2] = {};
+        for (int i = 0; i < 2; ++i) {
+            pages[i].dwSize = sizeof(PROPSHEETPAGEW);
+            pages[i].dwFlags = PSP_USETITLE | PSP_PREMATURE;
+            pages[i].hInstance = resources_;
+            pages[i].pszTemplate = MAKEINTRESOURCEW(IDD_LOGOS_PAGE + i);
+            pages[i].pszTitle = MAKEINTRESOURCEW(IDD_LOGOS_PAGE + i);
+            pages[i].pfnDlgProc = procs[i];
+            pages[i].lParam = reinterpret_cast<LPARAM>(&ctx_);
+        }
+        PROPSHEETHEADERW header = {};
+        header.dwSize = sizeof(header);
+        header.dwFlags = PSH_PROPSHEETPAGE | PSH_MODELESS | PSH_NOAPPLYNOW;
+        header.hInstance = resources_;
+        header.pszCaption = L"KX20 Printer Properties";
+        header.nPages = 2;
+        header.ppsp = pages;
+        sheet_ = reinterpret_cast<HWND>(PropertySheetW(&header));
+        ASSERT_NE(sheet_, nullptr);
+        SetWindowPos(sheet_, nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+        Pump();
+    }
+
+    void Pump() {
+        MSG msg;
+        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            if (sheet_ && PropSheet_IsDialogMessage(sheet_, &msg))
+                continue;
+            TranslateMessage(&msg);
+            DispatchMessageW(&msg);
+        }
+    }
+
+    HWND Page(int index) {
+        return reinterpret_cast<HWND>(SendMessageW(sheet_, PSM_INDEXTOHWND, index, 0));
+    }
+    HWND Show(int index) {
+        SendMessageW(sheet_, PSM_SETCURSEL, index, 0);
+        Pump();
+        return Page(index);
+    }
+    void Ticks(int n) {
+        for (int i = 0; i < n; ++i) {
+            SendMessageW(Page(kLogosPage), WM_TIMER, kConnectionTimer, 0);
+            Pump();
+        }
+    }
+    void Click(HWND page, int control) {
+        SendDlgItemMessageW(page, control, BM_CLICK, 0, 0);
+        Pump();
+    }
+    void Select(HWND page, int list, std::vector<int> rows) {
+        HWND control = GetDlgItem(page, list);
+        LVITEMW item = {};
+        item.stateMask = LVIS_SELECTED;
+        SendMessageW(control, LVM_SETITEMSTATE, static_cast<WPARAM>(-1),
+                     reinterpret_cast<LPARAM>(&item));
+        item.state = LVIS_SELECTED;
+        for (int row : rows)
+            SendMessageW(control, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
+        Pump();
+    }
+    int Rows(HWND page, int list) {
+        return static_cast<int>(SendDlgItemMessageW(page, list, LVM_GETITEMCOUNT, 0, 0));
+    }
+    std::wstring Cell(HWND page, int list, int row, int column) {
+        wchar_t buf[300] = {};
+        LVITEMW item = {};
+        item.iSubItem = column;
+        item.pszText = buf;
+        item.cchTextMax = 300;
+        SendDlgItemMessageW(page, list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
+        return buf;
+    }
+    std::wstring Text(HWND page, int control) {
+        wchar_t buf[300] = {};
+        GetDlgItemTextW(page, control, buf, 300);
+        return buf;
+    }
+    bool Enabled(HWND page, int control) { return IsWindowEnabled(GetDlgItem(page, control)); }
+    std::wstring String(std::uint32_t id) { return ToWide(strings_->Load(id).value_or(u"")); }
+    static bool Contains(const std::wstring& s, const std::wstring& part) {
+        return s.find(part) != std::wstring::npos;
+    }
+    std::string Printer() {
+        const std::wstring state = sim_.Describe();
+        return std::string(state.begin(), state.end());
+    }
+
+    // Selects `row` and adds the test's picture through the file dialog, confirmed from a
+    // thread timer that types the path into the dialog and presses Open.
+    void AddLogo(HWND page, int row) {
+        Select(page, IDC_LOGO_LIST, {row});
+        ASSERT_TRUE(Enabled(page, IDC_LOGO_ADD));
+        const std::wstring path = picturePath_;
+        winhost::ModalDriver driver([this] { return winhost::FindThreadDialog(String(2166)); },
+                                    {[path](HWND dialog) {
+                                         SendMessageW(dialog, CDM_SETCONTROLTEXT, 0x47c,
+                                                      reinterpret_cast<LPARAM>(path.c_str()));
+                                         SendMessageW(dialog, CDM_SETCONTROLTEXT, 0x480,
+                                                      reinterpret_cast<LPARAM>(path.c_str()));
+                                         return true;
+                                     },
+                                     [](HWND dialog) {
+                                         PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+                                         return true;
+                                     }});
+        Click(page, IDC_LOGO_ADD);
+        EXPECT_TRUE(driver.Finished()) << "the file dialog was not answered";
+    }
+
+    Win32Platform win32_;
+    Win32Prompts prompts_;
+    Win32Pictures pictures_;
+    winhost::SimulatedPrinterControl sim_{PortPath()};
+    HMODULE resources_ = nullptr;
+    std::unique_ptr<Win32ResourceStrings> strings_;
+    PageContext ctx_;
+    HWND sheet_ = nullptr;
+    UINT_PTR boxTimer_ = 0;
+    std::wstring picturePath_;
+};
+
+TEST_F(DeviceSheet, LogoAddedFromAPictureReachesTheFlashAndTheListAndDeletingOneKeepsTheOthers) {
+    Open();
+    HWND page = Page(kLogosPage);
+    ASSERT_EQ(Rows(page, IDC_LOGO_LIST), 40);
+    EXPECT_EQ(Cell(page, IDC_LOGO_LIST, 0, 1), String(2204));
+    EXPECT_FALSE(Enabled(page, IDC_LOGO_ADD)) << "nothing selected";
+
+    AddLogo(page, 0);
+    EXPECT_NE(Printer().find("logo 1: "), std::string::npos) << Printer();
+    EXPECT_TRUE(Contains(Cell(page, IDC_LOGO_LIST, 0, 1), String(2203))) << "the row shows it";
+    Select(page, IDC_LOGO_LIST, {0});
+    EXPECT_FALSE(Enabled(page, IDC_LOGO_ADD)) << "a used row takes no second logo";
+    EXPECT_TRUE(Enabled(page, IDC_LOGO_DELETE));
+    winhost::SaveScreenshot(L"logos");
+
+    AddLogo(page, 1);
+    AddLogo(page, 2);
+    ASSERT_NE(Printer().find("logo 3: "), std::string::npos) << Printer();
+    EXPECT_EQ(g_box.seen, 0) << "no message box while adding: " << Narrow(g_box.lastText);
+
+    ASSERT_EQ(sim_.Control(L"clearlog"), 0u);
+    Select(page, IDC_LOGO_LIST, {1});
+    g_box.answer = IDYES;
+    Click(page, IDC_LOGO_DELETE);
+    EXPECT_EQ(g_box.seen, 1) << "the deletion is confirmed first";
+    const std::string printer = Printer();
+    EXPECT_NE(printer.find("logo 1: "), std::string::npos) << printer;
+    EXPECT_EQ(printer.find("logo 2: "), std::string::npos) << printer;
+    EXPECT_NE(printer.find("logo 3: "), std::string::npos) << printer;
+    EXPECT_EQ(Cell(page, IDC_LOGO_LIST, 1, 1), String(2204));
+    EXPECT_TRUE(Contains(Cell(page, IDC_LOGO_LIST, 2, 1), String(2203)));
+    EXPECT_EQ(store::ReadLogoRecords(win32_.ports, kPrinter, ctx_.port.identity).size(), 2u);
+}
+
+TEST_F(DeviceSheet, MessageStoredAndDeletedThroughThePage) {
+    Open();
+    HWND page = Show(kMessagesPage);
+    ASSERT_EQ(Rows(page, IDC_MESSAGE_LIST), 25);
+    Select(page, IDC_MESSAGE_LIST, {4});
+    SetDlgItemTextW(page, IDC_MESSAGE_TEXT, L"Thank you for shopping");
+    ASSERT_TRUE(Enabled(page, IDC_MESSAGE_STORE));
+    Click(page, IDC_MESSAGE_STORE);
+    EXPECT_NE(Printer().find("message 5: \"Thank you for shopping\""), std::string::npos)
+        << Printer();
+    EXPECT_EQ(Cell(page, IDC_MESSAGE_LIST, 4, 1), String(2203));
+
+    Select(page, IDC_MESSAGE_LIST, {0});
+    EXPECT_EQ(Text(page, IDC_MESSAGE_TEXT), L"") << "an empty row empties the edit";
+    Select(page, IDC_MESSAGE_LIST, {4});
+    EXPECT_EQ(Text(page, IDC_MESSAGE_TEXT), L"Thank you for shopping");
+    EXPECT_FALSE(Enabled(page, IDC_MESSAGE_STORE)) << "a used row must be deleted first";
+    winhost::SaveScreenshot(L"messages");
+
+    g_box.answer = IDNO;
+    Click(page, IDC_MESSAGE_DELETE);
+    EXPECT_EQ(g_box.seen, 1);
+    EXPECT_NE(Printer().find("message 5: "), std::string::npos) << "No keeps the message";
+    g_box.answer = IDYES;
+    Click(page, IDC_MESSAGE_DELETE);
+    EXPECT_EQ(g_box.seen, 2);
+    EXPECT_EQ(Printer().find("message 5: "), std::string::npos) << Printer();
+    EXPECT_EQ(Cell(page, IDC_MESSAGE_LIST, 4, 1), String(2204));
+}
+
+TEST_F(DeviceSheet, DisconnectDisablesBothPagesAndAnotherPrinterRefillsThem) {
+    Open();
+    HWND logos = Page(kLogosPage);
+    HWND messages = Show(kMessagesPage);
+    Show(kLogosPage);
+    AddLogo(logos, 0);
+    ASSERT_TRUE(Contains(Cell(logos, IDC_LOGO_LIST, 0, 1), String(2203)));
+    Ticks(2);
+    ASSERT_TRUE(Enabled(logos, IDC_LOGO_LIST));
+    ASSERT_TRUE(Enabled(messages, IDC_MESSAGE_LIST));
+
+    ASSERT_EQ(sim_.Control(L"disconnect"), 0u);
+    Ticks(3);
+    EXPECT_FALSE(Enabled(logos, IDC_LOGO_LIST));
+    EXPECT_FALSE(Enabled(logos, IDC_LOGO_ADD));
+    EXPECT_FALSE(Enabled(messages, IDC_MESSAGE_LIST));
+    EXPECT_FALSE(Enabled(messages, IDC_MESSAGE_STORE));
+    EXPECT_EQ(Text(logos, IDC_PRINTER_STATUS), String(2201));
+    EXPECT_EQ(Text(messages, IDC_PRINTER_STATUS), String(2201));
+    EXPECT_EQ(Rows(logos, IDC_LOGO_LIST), 0) << "a lost printer's logos are not shown";
+    winhost::SaveScreenshot(L"logos_disconnected");
+    Show(kMessagesPage);
+    winhost::SaveScreenshot(L"messages_disconnected");
+    Show(kLogosPage);
+
+    ASSERT_EQ(sim_.Control(L"identity=KX20SIM2"), 0u);
+    ASSERT_EQ(sim_.Control(L"connect"), 0u);
+    Ticks(3);
+    EXPECT_TRUE(Enabled(logos, IDC_LOGO_LIST));
+    EXPECT_TRUE(Enabled(messages, IDC_MESSAGE_LIST));
+    EXPECT_NE(Text(logos, IDC_PRINTER_STATUS), String(2201));
+    EXPECT_EQ(Text(messages, IDC_PRINTER_STATUS), Text(logos, IDC_PRINTER_STATUS));
+    ASSERT_EQ(Rows(logos, IDC_LOGO_LIST), 40);
+    ASSERT_EQ(Rows(messages, IDC_MESSAGE_LIST), 25);
+    EXPECT_EQ(g_box.seen, 0) << Narrow(g_box.lastText);
+}
+
+}  // namespace
+}  // namespace kx20::winetest
