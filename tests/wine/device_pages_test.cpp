@@ -235,6 +235,12 @@ class DeviceSheet : public ::testing::Test {
         GetDlgItemTextW(page, control, buf, 300);
         return buf;
     }
+    // The sheet as it shows now, as screenshots/NAME.png in the build folder.
+    void Screenshot(const wchar_t* name) {
+        RedrawWindow(sheet_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        Pump();
+        EXPECT_TRUE(winhost::SaveScreenshot(name, sheet_)) << Narrow(name);
+    }
     bool Enabled(HWND page, int control) { return IsWindowEnabled(GetDlgItem(page, control)); }
     std::wstring String(std::uint32_t id) { return ToWide(strings_->Load(id).value_or(u"")); }
     static bool Contains(const std::wstring& s, const std::wstring& part) {
@@ -292,7 +298,7 @@ TEST_F(DeviceSheet, LogoAddedFromAPictureReachesTheFlashAndTheListAndDeletingOne
     Select(page, IDC_LOGO_LIST, {0});
     EXPECT_FALSE(Enabled(page, IDC_LOGO_ADD)) << "a used row takes no second logo";
     EXPECT_TRUE(Enabled(page, IDC_LOGO_DELETE));
-    winhost::SaveScreenshot(L"logos");
+    Screenshot(L"logos");
 
     AddLogo(page, 1);
     AddLogo(page, 2);
@@ -330,7 +336,7 @@ TEST_F(DeviceSheet, MessageStoredAndDeletedThroughThePage) {
     Select(page, IDC_MESSAGE_LIST, {4});
     EXPECT_EQ(Text(page, IDC_MESSAGE_TEXT), L"Thank you for shopping");
     EXPECT_FALSE(Enabled(page, IDC_MESSAGE_STORE)) << "a used row must be deleted first";
-    winhost::SaveScreenshot(L"messages");
+    Screenshot(L"messages");
 
     g_box.answer = IDNO;
     Click(page, IDC_MESSAGE_DELETE);
@@ -363,9 +369,9 @@ TEST_F(DeviceSheet, DisconnectDisablesBothPagesAndAnotherPrinterRefillsThem) {
     EXPECT_EQ(Text(logos, IDC_PRINTER_STATUS), String(2201));
     EXPECT_EQ(Text(messages, IDC_PRINTER_STATUS), String(2201));
     EXPECT_EQ(Rows(logos, IDC_LOGO_LIST), 0) << "a lost printer's logos are not shown";
-    winhost::SaveScreenshot(L"logos_disconnected");
+    Screenshot(L"logos_disconnected");
     Show(kMessagesPage);
-    winhost::SaveScreenshot(L"messages_disconnected");
+    Screenshot(L"messages_disconnected");
     Show(kLogosPage);
 
     ASSERT_EQ(sim_.Control(L"identity=KX20SIM2"), 0u);
