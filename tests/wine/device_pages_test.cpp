@@ -26,6 +26,7 @@
 #include "platform/win32/win32_text.h"
 #include "store/catalogue.h"
 #include "store/registry_layout.h"
+#include "tests/wine/modeless_sheet.h"
 #include "tests/wine/wine_environment.h"
 #include "tools/winhost/driver_install.h"
 #include "tools/winhost/sim_control.h"
@@ -78,10 +79,6 @@ void CALLBACK AnswerBoxes(HWND, UINT, UINT_PTR, DWORD) {
     EnumThreadWindows(GetCurrentThreadId(), AnswerOneBox, 0);
 }
 
-std::string Narrow(const std::wstring& s) {
-    return std::string(s.begin(), s.end());
-}
-
 // A 24-bit picture file of `width` x `height` pixels: a black frame and diagonal on white.
 Bytes PictureFile(int width, int height) {
     const int stride = (width * 3 + 3) & ~3;
@@ -107,7 +104,7 @@ Bytes PictureFile(int width, int height) {
     return file;
 }
 
-class DeviceSheet : public ::testing::Test {
+class DeviceSheet : public ModelessSheetTest {
   protected:
     void SetUp() override {
         ASSERT_TRUE(sim_.Loaded());
@@ -146,9 +143,7 @@ class DeviceSheet : public ::testing::Test {
 
     void TearDown() override {
         KillTimer(nullptr, boxTimer_);
-        if (sheet_)
-            DestroyWindow(sheet_);
-        Pump();
+        CloseSheet();
         DeleteFileW(picturePath_.c_str());
         if (resources_)
             FreeLibrary(resources_);
@@ -179,33 +174,11 @@ class DeviceSheet : public ::testing::Test {
         Pump();
     }
 
-    void Pump() {
-        MSG msg;
-        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            if (sheet_ && PropSheet_IsDialogMessage(sheet_, &msg))
-                continue;
-            TranslateMessage(&msg);
-            DispatchMessageW(&msg);
-        }
-    }
-
-    HWND Page(int index) {
-        return reinterpret_cast<HWND>(SendMessageW(sheet_, PSM_INDEXTOHWND, index, 0));
-    }
-    HWND Show(int index) {
-        SendMessageW(sheet_, PSM_SETCURSEL, index, 0);
-        Pump();
-        return Page(index);
-    }
     void Ticks(int n) {
         for (int i = 0; i < n; ++i) {
             SendMessageW(Page(kLogosPage), WM_TIMER, kConnectionTimer, 0);
             Pump();
         }
-    }
-    void Click(HWND page, int control) {
-        SendDlgItemMessageW(page, control, BM_CLICK, 0, 0);
-        Pump();
     }
     void Select(HWND page, int list, std::vector<int> rows) {
         HWND control = GetDlgItem(page, list);
@@ -228,11 +201,6 @@ class DeviceSheet : public ::testing::Test {
         item.pszText = buf;
         item.cchTextMax = 300;
         SendDlgItemMessageW(page, list, LVM_GETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
-        return buf;
-    }
-    std::wstring Text(HWND page, int control) {
-        wchar_t buf[300] = {};
-        GetDlgItemTextW(page, control, buf, 300);
         return buf;
     }
     // The sheet as it shows now, as screenshots/NAME.png in the build folder.
@@ -280,7 +248,6 @@ class DeviceSheet : public ::testing::Test {
     HMODULE resources_ = nullptr;
     std::unique_ptr<Win32ResourceStrings> strings_;
     PageContext ctx_;
-    HWND sheet_ = nullptr;
     UINT_PTR boxTimer_ = 0;
     std::wstring picturePath_;
 };

@@ -28,6 +28,7 @@
 #include "platform/win32/win32_text.h"
 #include "store/catalogue.h"
 #include "store/registry_layout.h"
+#include "tests/wine/modeless_sheet.h"
 #include "tests/wine/wine_environment.h"
 #include "tools/winhost/driver_install.h"
 #include "tools/winhost/sim_control.h"
@@ -75,11 +76,7 @@ void CALLBACK AnswerBox(HWND, UINT, UINT_PTR timer, DWORD) {
         KillTimer(nullptr, timer);
 }
 
-std::string Narrow(const std::wstring& s) {
-    return std::string(s.begin(), s.end());
-}
-
-class DocumentSheet : public ::testing::Test {
+class DocumentSheet : public ModelessSheetTest {
   protected:
     void SetUp() override {
         ASSERT_TRUE(sim_.Loaded());
@@ -114,9 +111,7 @@ class DocumentSheet : public ::testing::Test {
     }
 
     void TearDown() override {
-        if (sheet_)
-            DestroyWindow(sheet_);
-        Pump();
+        CloseSheet();
         if (resources_)
             FreeLibrary(resources_);
     }
@@ -146,28 +141,6 @@ class DocumentSheet : public ::testing::Test {
         Pump();
     }
 
-    void Pump() {
-        MSG msg;
-        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            if (sheet_ && PropSheet_IsDialogMessage(sheet_, &msg))
-                continue;
-            TranslateMessage(&msg);
-            DispatchMessageW(&msg);
-        }
-    }
-
-    HWND Page(int index) {
-        return reinterpret_cast<HWND>(SendMessageW(sheet_, PSM_INDEXTOHWND, index, 0));
-    }
-    HWND Show(int index) {
-        SendMessageW(sheet_, PSM_SETCURSEL, index, 0);
-        Pump();
-        return Page(index);
-    }
-    void Click(HWND page, int control) {
-        SendDlgItemMessageW(page, control, BM_CLICK, 0, 0);
-        Pump();
-    }
     void Choose(HWND page, int control, int index) {
         HWND list = GetDlgItem(page, control);
         SendMessageW(list, CB_SETCURSEL, index, 0);
@@ -191,11 +164,6 @@ class DocumentSheet : public ::testing::Test {
     }
     int Selected(HWND page, int control) {
         return static_cast<int>(SendDlgItemMessageW(page, control, CB_GETCURSEL, 0, 0));
-    }
-    std::wstring Text(HWND page, int control) {
-        wchar_t buf[300] = {};
-        GetDlgItemTextW(page, control, buf, 300);
-        return buf;
     }
     std::wstring String(std::uint32_t id) { return ToWide(strings_->Load(id).value_or(u"")); }
     MutableByteSpan Priv() { return MutableByteSpan(ctx_.pageCopy).subspan(kDevModePublicSize); }
@@ -275,7 +243,6 @@ class DocumentSheet : public ::testing::Test {
     std::unique_ptr<Win32ResourceStrings> strings_;
     PageContext ctx_;
     std::u16string id_;
-    HWND sheet_ = nullptr;
 };
 
 TEST_F(DocumentSheet, OptionsChangedInTheSheetReachThePageCopy) {

@@ -124,16 +124,13 @@ class LogosDialog {
                     return false;
                 result = 0;
                 return true;
-            case WM_NOTIFY: {
-                const auto* header = reinterpret_cast<const NMHDR*>(lParam);
-                if (header->idFrom != IDC_LOGO_LIST || header->code != LVN_ITEMCHANGED)
+            case WM_NOTIFY:
+                if (!IsSlotStateChange(lParam, IDC_LOGO_LIST))
                     return false;
-                const auto* change = reinterpret_cast<const NMLISTVIEW*>(lParam);
-                if (!filling_ && (change->uChanged & LVIF_STATE))
+                if (!filling_)
                     SelectionChanged();
                 result = 0;
                 return true;
-            }
             case WM_PAINT:
                 PaintPreview();
                 result = 0;
@@ -162,18 +159,8 @@ class LogosDialog {
     // The model's rows, status and enablement onto the controls.
     void ShowAll() {
         filling_ = true;
-        const bool changed = ShowSlotRows(List(), RowsOf(model_.Slots()));
-        if (changed) {
-            // A refilled list keeps the rows the model still has selected.
-            const auto selection = model_.Selection();
-            SelectOnlyRow(List(), -1);
-            for (int row : selection) {
-                LVITEMW item = {};
-                item.stateMask = item.state = LVIS_SELECTED;
-                SendMessageW(List(), LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
-            }
+        if (ShowSlotRows(List(), RowsOf(model_.Slots()), model_.Selection()))
             InvalidatePreview();
-        }
         filling_ = false;
         if (ControlText(hwnd_, IDC_PRINTER_STATUS) != model_.StatusText())
             SetControlText(hwnd_, IDC_PRINTER_STATUS, model_.StatusText());

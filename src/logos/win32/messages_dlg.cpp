@@ -86,19 +86,16 @@ class MessagesDialog : public DevicePage {
                     return false;
                 result = 0;
                 return true;
-            case WM_NOTIFY: {
-                const auto* header = reinterpret_cast<const NMHDR*>(lParam);
-                if (header->idFrom != IDC_MESSAGE_LIST || header->code != LVN_ITEMCHANGED)
+            case WM_NOTIFY:
+                if (!IsSlotStateChange(lParam, IDC_MESSAGE_LIST))
                     return false;
-                const auto* change = reinterpret_cast<const NMLISTVIEW*>(lParam);
-                if (!filling_ && (change->uChanged & LVIF_STATE)) {
+                if (!filling_) {
                     model_.SetSelection(SelectedRows(List()));
                     SetControlText(hwnd_, IDC_MESSAGE_TEXT, model_.EditText());
                     ShowEnablement();
                 }
                 result = 0;
                 return true;
-            }
             case WM_DESTROY:
                 UnhookSlotList(List());
                 return false;
@@ -137,13 +134,7 @@ class MessagesDialog : public DevicePage {
 
     void ShowAll() {
         filling_ = true;
-        if (ShowSlotRows(List(), RowsOf(model_.Slots()))) {
-            for (int row : model_.Selection()) {
-                LVITEMW item = {};
-                item.stateMask = item.state = LVIS_SELECTED;
-                SendMessageW(List(), LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
-            }
-        }
+        ShowSlotRows(List(), RowsOf(model_.Slots()), model_.Selection());
         filling_ = false;
         if (ControlText(hwnd_, IDC_PRINTER_STATUS) != model_.StatusText())
             SetControlText(hwnd_, IDC_PRINTER_STATUS, model_.StatusText());

@@ -91,7 +91,7 @@ void SetupSlotList(HWND list, int nameWidth) {
     }
 }
 
-bool ShowSlotRows(HWND list, const std::vector<SlotRow>& rows) {
+bool ShowSlotRows(HWND list, const std::vector<SlotRow>& rows, const std::vector<int>& selection) {
     bool same = RowCount(list) == static_cast<int>(rows.size());
     for (int row = 0; same && row < static_cast<int>(rows.size()); ++row) {
         const SlotRow& want = rows[static_cast<std::size_t>(row)];
@@ -113,9 +113,19 @@ bool ShowSlotRows(HWND list, const std::vector<SlotRow>& rows) {
         item.pszText = state.data();
         SendMessageW(list, LVM_SETITEMTEXTW, row, reinterpret_cast<LPARAM>(&item));
     }
+    LVITEMW selected = {};
+    selected.stateMask = selected.state = LVIS_SELECTED;
+    for (int row : selection)
+        SendMessageW(list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&selected));
     SendMessageW(list, WM_SETREDRAW, TRUE, 0);
     InvalidateRect(list, nullptr, TRUE);
     return true;
+}
+
+bool IsSlotStateChange(LPARAM notification, int listId) {
+    const auto* change = reinterpret_cast<const NMLISTVIEW*>(notification);
+    return change->hdr.idFrom == static_cast<UINT_PTR>(listId) &&
+           change->hdr.code == LVN_ITEMCHANGED && (change->uChanged & LVIF_STATE);
 }
 
 std::vector<int> SelectedRows(HWND list) {

@@ -20,8 +20,11 @@ struct SlotRow {
 // Full-row selection and the two columns; the first sized to `nameWidth` pixels, the second to
 // the rest of the list.
 void SetupSlotList(HWND list, int nameWidth);
-// Replaces the rows; a list already showing `rows` is left alone. True when it changed.
-bool ShowSlotRows(HWND list, const std::vector<SlotRow>& rows);
+// Replaces the rows and selects `selection` in them; a list already showing `rows` is left
+// alone. True when it changed.
+bool ShowSlotRows(HWND list, const std::vector<SlotRow>& rows, const std::vector<int>& selection);
+// True for the notification (WM_NOTIFY's lParam) of a row state change in list `listId`.
+bool IsSlotStateChange(LPARAM notification, int listId);
 std::vector<int> SelectedRows(HWND list);
 void SelectOnlyRow(HWND list, int row);
 
