@@ -130,13 +130,7 @@ class DeviceSheet : public ModelessSheetTest {
         wchar_t temp[MAX_PATH] = {};
         GetTempPathW(MAX_PATH, temp);
         picturePath_ = std::wstring(temp) + L"kx20_page_logo.bmp";
-        const Bytes picture = PictureFile(96, 40);
-        HANDLE file = CreateFileW(picturePath_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                  FILE_ATTRIBUTE_NORMAL, nullptr);
-        ASSERT_NE(file, INVALID_HANDLE_VALUE);
-        DWORD written = 0;
-        WriteFile(file, picture.data(), static_cast<DWORD>(picture.size()), &written, nullptr);
-        CloseHandle(file);
+        WritePicture(PictureFile(96, 40));
         g_box = {};
         boxTimer_ = SetTimer(nullptr, 0, 50, AnswerBoxes);
     }
@@ -147,6 +141,16 @@ class DeviceSheet : public ModelessSheetTest {
         DeleteFileW(picturePath_.c_str());
         if (resources_)
             FreeLibrary(resources_);
+    }
+
+    void WritePicture(const Bytes& picture) {
+        HANDLE file = CreateFileW(picturePath_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                  FILE_ATTRIBUTE_NORMAL, nullptr);
+        ASSERT_NE(file, INVALID_HANDLE_VALUE);
+        DWORD written = 0;
+        WriteFile(file, picture.data(), static_cast<DWORD>(picture.size()), &written, nullptr);
+        CloseHandle(file);
+        ASSERT_EQ(written, picture.size());
     }
 
     void Open() {
@@ -219,24 +223,25 @@ class DeviceSheet : public ModelessSheetTest {
         return std::string(state.begin(), state.end());
     }
 
+    // The file dialog step that types `path` into the name box (a combo box or an edit,
+    // whichever the dialog has) and presses Open.
+    static winhost::ModalDriver::Step OpenPath(std::wstring path) {
+        return [path](HWND dialog) {
+            for (int box : {0x47c, 0x480})
+                SendMessageW(dialog, CDM_SETCONTROLTEXT, box,
+                             reinterpret_cast<LPARAM>(path.c_str()));
+            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+            return true;
+        };
+    }
+
     // Selects `row` and adds the test's picture through the file dialog, confirmed from a
-    // thread timer that types the path into the dialog and presses Open.
+    // thread timer.
     void AddLogo(HWND page, int row) {
         Select(page, IDC_LOGO_LIST, {row});
         ASSERT_TRUE(Enabled(page, IDC_LOGO_ADD));
-        const std::wstring path = picturePath_;
         winhost::ModalDriver driver([this] { return winhost::FindThreadDialog(String(2166)); },
-                                    {[path](HWND dialog) {
-                                         SendMessageW(dialog, CDM_SETCONTROLTEXT, 0x47c,
-                                                      reinterpret_cast<LPARAM>(path.c_str()));
-                                         SendMessageW(dialog, CDM_SETCONTROLTEXT, 0x480,
-                                                      reinterpret_cast<LPARAM>(path.c_str()));
-                                         return true;
-                                     },
-                                     [](HWND dialog) {
-                                         PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-                                         return true;
-                                     }});
+                                    {OpenPath(picturePath_)});
         Click(page, IDC_LOGO_ADD);
         EXPECT_TRUE(driver.Finished()) << "the file dialog was not answered";
     }
@@ -272,10 +277,11 @@ TEST_F(DeviceSheet, LogoAddedFromAPictureReachesTheFlashAndTheListAndDeletingOne
     ASSERT_NE(Printer().find("logo 3: "), std::string::npos) << Printer();
     EXPECT_EQ(g_box.seen, 0) << "no message box while adding: " << Narrow(g_box.lastText);
 
-    ASSERT_EQ(sim_.Control(L"clearlog"), 0u);
+    // The Delete key of the list starts the same flow as the button.
     Select(page, IDC_LOGO_LIST, {1});
     g_box.answer = IDYES;
-    Click(page, IDC_LOGO_DELETE);
+    SendDlgItemMessageW(page, IDC_LOGO_LIST, WM_KEYDOWN, VK_DELETE, 0);
+    Pump();
     EXPECT_EQ(g_box.seen, 1) << "the deletion is confirmed first";
     const std::string printer = Printer();
     EXPECT_NE(printer.find("logo 1: "), std::string::npos) << printer;
@@ -351,6 +357,35 @@ TEST_F(DeviceSheet, DisconnectDisablesBothPagesAndAnotherPrinterRefillsThem) {
     ASSERT_EQ(Rows(logos, IDC_LOGO_LIST), 40);
     ASSERT_EQ(Rows(messages, IDC_MESSAGE_LIST), 25);
     EXPECT_EQ(g_box.seen, 0) << Narrow(g_box.lastText);
+
+    // Escape in the list presses the sheet's Cancel button.
+    SetFocus(GetDlgItem(logos, IDC_LOGO_LIST));
+    SendDlgItemMessageW(logos, IDC_LOGO_LIST, WM_KEYDOWN, VK_ESCAPE, 0);
+    Pump();
+    EXPECT_EQ(PropSheet_GetCurrentPageHwnd(sheet_), nullptr) << "the sheet was not cancelled";
+}
+
+TEST_F(DeviceSheet, PictureTooBigForTheLogoMemoryIsRefusedWhileTheFileDialogStaysOpen) {
+    WritePicture(PictureFile(1024, 512));  // 65,536 bytes at one bit a pixel
+    Open();
+    HWND page = Page(kLogosPage);
+    Select(page, IDC_LOGO_LIST, {3});
+    bool stayedOpen = false;
+    winhost::ModalDriver driver([this] { return winhost::FindThreadDialog(String(2166)); },
+                                {OpenPath(picturePath_), [&stayedOpen](HWND dialog) {
+                                     if (g_box.seen == 0)
+                                         return false;  // the refusal is answered first
+                                     stayedOpen = IsWindowVisible(dialog) != FALSE;
+                                     PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+                                     return true;
+                                 }});
+    Click(page, IDC_LOGO_ADD);
+    EXPECT_TRUE(driver.Finished());
+    EXPECT_EQ(g_box.seen, 1);
+    EXPECT_TRUE(Contains(g_box.lastText, String(2231))) << Narrow(g_box.lastText);
+    EXPECT_TRUE(stayedOpen);
+    EXPECT_EQ(Printer().find("logo 4: "), std::string::npos) << Printer();
+    EXPECT_EQ(Cell(page, IDC_LOGO_LIST, 3, 1), String(2204));
 }
 
 }  // namespace

@@ -41,6 +41,10 @@ int PageTemplateId(const PROPSHEETPAGEW* description);
 
 // Opens the resource module's help file at a topic.
 void ShowPageHelp(HWND page, const PageContext& ctx, DWORD topic);
+// WM_HELP: F1 without Shift opens the page's topic; otherwise the control's popup topic from
+// `controlTopics` (control id, topic pairs ending with 0, 0). Nothing without a help file.
+void ShowPageOrControlHelp(HWND page, const PageContext& ctx, DWORD pageTopic, const HELPINFO& info,
+                           const DWORD* controlTopics);
 
 // What every page class offers the thunk:
 //   Page(HWND, PageContext&, const PROPSHEETPAGEW*)

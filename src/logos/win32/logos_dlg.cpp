@@ -22,6 +22,17 @@ namespace {
 constexpr UINT_PTR kConnectionTimer = 1000;
 constexpr UINT kConnectionPeriodMs = 100;
 constexpr DWORD kLogosHelp = 2040;
+// The controls' popup help topics (control, topic; 0, 0 ends the list).
+// clang-format off
+const DWORD kLogosControlHelp[] = {
+    IDC_LOGO_LIST, 5800,
+    IDC_LOGO_ADD, 5810,
+    IDC_LOGO_PREVIEW, 5830,
+    IDC_LOGO_DELETE, 5820,
+    IDC_PRINTER_STATUS, 4010,
+    0, 0,
+};
+// clang-format on
 constexpr int kNameColumnWidth = 90;
 // The preview starts this far below the top of its frame.
 constexpr int kPreviewTopGap = 6;
@@ -134,6 +145,12 @@ class LogosDialog {
             case WM_PAINT:
                 PaintPreview();
                 result = 0;
+                return true;
+            case WM_HELP:
+                ShowPageOrControlHelp(hwnd_, ctx_, kLogosHelp,
+                                      *reinterpret_cast<const HELPINFO*>(lParam),
+                                      kLogosControlHelp);
+                result = TRUE;
                 return true;
             case WM_DESTROY:
                 KillTimer(hwnd_, kConnectionTimer);

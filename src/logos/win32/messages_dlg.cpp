@@ -19,6 +19,17 @@ namespace kx20 {
 namespace {
 
 constexpr DWORD kMessagesHelp = 2050;
+// The controls' popup help topics (control, topic; 0, 0 ends the list).
+// clang-format off
+const DWORD kMessagesControlHelp[] = {
+    IDC_MESSAGE_LIST, 5900,
+    IDC_MESSAGE_TEXT, 5910,
+    IDC_MESSAGE_STORE, 5920,
+    IDC_MESSAGE_DELETE, 5930,
+    IDC_PRINTER_STATUS, 4010,
+    0, 0,
+};
+// clang-format on
 constexpr int kNameColumnWidth = 90;
 
 std::vector<SlotRow> RowsOf(const std::vector<logos::MessageSlot>& slots) {
@@ -95,6 +106,12 @@ class MessagesDialog : public DevicePage {
                     ShowEnablement();
                 }
                 result = 0;
+                return true;
+            case WM_HELP:
+                ShowPageOrControlHelp(hwnd_, ctx_, kMessagesHelp,
+                                      *reinterpret_cast<const HELPINFO*>(lParam),
+                                      kMessagesControlHelp);
+                result = TRUE;
                 return true;
             case WM_DESTROY:
                 UnhookSlotList(List());
