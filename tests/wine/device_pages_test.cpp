@@ -40,45 +40,6 @@ constexpr int kLogosPage = 0;
 constexpr int kMessagesPage = 1;
 constexpr WPARAM kConnectionTimer = 1000;
 
-// Answers every message box of this thread (an owned dialog that is not the file dialog) from
-// a timer that the box's own modal loop runs, and counts them.
-struct BoxAnswer {
-    int answer = IDYES;
-    int seen = 0;
-    std::wstring lastText;
-};
-BoxAnswer g_box;
-
-BOOL CALLBACK CollectText(HWND child, LPARAM) {
-    wchar_t buf[512] = {};
-    GetWindowTextW(child, buf, 512);
-    g_box.lastText += buf;
-    return TRUE;
-}
-
-BOOL CALLBACK AnswerOneBox(HWND window, LPARAM) {
-    wchar_t cls[32] = {};
-    GetClassNameW(window, cls, 32);
-    if (std::wstring(cls) != L"#32770" || !GetWindow(window, GW_OWNER) ||
-        !IsWindowVisible(window) || GetDlgItem(window, IDC_LOGO_FORM) ||
-        FindWindowExW(window, nullptr, nullptr, nullptr) == nullptr)
-        return TRUE;
-    // A message box has no list or edit of a file dialog: it is recognised by its buttons.
-    if (!GetDlgItem(window, IDYES) && !GetDlgItem(window, IDOK))
-        return TRUE;
-    if (GetDlgItem(window, 0x47c) || GetDlgItem(window, 0x480))  // the file dialog's name box
-        return TRUE;
-    g_box.lastText.clear();
-    EnumChildWindows(window, CollectText, 0);
-    ++g_box.seen;
-    PostMessageW(window, WM_COMMAND, GetDlgItem(window, IDYES) ? g_box.answer : IDOK, 0);
-    return FALSE;
-}
-
-void CALLBACK AnswerBoxes(HWND, UINT, UINT_PTR, DWORD) {
-    EnumThreadWindows(GetCurrentThreadId(), AnswerOneBox, 0);
-}
-
 // A 24-bit picture file of `width` x `height` pixels: a black frame and diagonal on white.
 Bytes PictureFile(int width, int height) {
     const int stride = (width * 3 + 3) & ~3;
@@ -131,12 +92,9 @@ class DeviceSheet : public ModelessSheetTest {
         GetTempPathW(MAX_PATH, temp);
         picturePath_ = std::wstring(temp) + L"kx20_page_logo.bmp";
         WritePicture(PictureFile(96, 40));
-        g_box = {};
-        boxTimer_ = SetTimer(nullptr, 0, 50, AnswerBoxes);
     }
 
     void TearDown() override {
-        KillTimer(nullptr, boxTimer_);
         CloseSheet();
         DeleteFileW(picturePath_.c_str());
         if (resources_)
@@ -253,7 +211,7 @@ class DeviceSheet : public ModelessSheetTest {
     HMODULE resources_ = nullptr;
     std::unique_ptr<Win32ResourceStrings> strings_;
     PageContext ctx_;
-    UINT_PTR boxTimer_ = 0;
+    MessageBoxAnswerer boxes_;
     std::wstring picturePath_;
 };
 
@@ -275,14 +233,14 @@ TEST_F(DeviceSheet, LogoAddedFromAPictureReachesTheFlashAndTheListAndDeletingOne
     AddLogo(page, 1);
     AddLogo(page, 2);
     ASSERT_NE(Printer().find("logo 3: "), std::string::npos) << Printer();
-    EXPECT_EQ(g_box.seen, 0) << "no message box while adding: " << Narrow(g_box.lastText);
+    EXPECT_EQ(boxes_.seen, 0) << "no message box while adding: " << Narrow(boxes_.text);
 
     // The Delete key of the list starts the same flow as the button.
     Select(page, IDC_LOGO_LIST, {1});
-    g_box.answer = IDYES;
+    boxes_.answer = IDYES;
     SendDlgItemMessageW(page, IDC_LOGO_LIST, WM_KEYDOWN, VK_DELETE, 0);
     Pump();
-    EXPECT_EQ(g_box.seen, 1) << "the deletion is confirmed first";
+    EXPECT_EQ(boxes_.seen, 1) << "the deletion is confirmed first";
     const std::string printer = Printer();
     EXPECT_NE(printer.find("logo 1: "), std::string::npos) << printer;
     EXPECT_EQ(printer.find("logo 2: "), std::string::npos) << printer;
@@ -311,13 +269,13 @@ TEST_F(DeviceSheet, MessageStoredAndDeletedThroughThePage) {
     EXPECT_FALSE(Enabled(page, IDC_MESSAGE_STORE)) << "a used row must be deleted first";
     Screenshot(L"messages");
 
-    g_box.answer = IDNO;
+    boxes_.answer = IDNO;
     Click(page, IDC_MESSAGE_DELETE);
-    EXPECT_EQ(g_box.seen, 1);
+    EXPECT_EQ(boxes_.seen, 1);
     EXPECT_NE(Printer().find("message 5: "), std::string::npos) << "No keeps the message";
-    g_box.answer = IDYES;
+    boxes_.answer = IDYES;
     Click(page, IDC_MESSAGE_DELETE);
-    EXPECT_EQ(g_box.seen, 2);
+    EXPECT_EQ(boxes_.seen, 2);
     EXPECT_EQ(Printer().find("message 5: "), std::string::npos) << Printer();
     EXPECT_EQ(Cell(page, IDC_MESSAGE_LIST, 4, 1), String(2204));
 }
@@ -356,7 +314,7 @@ TEST_F(DeviceSheet, DisconnectDisablesBothPagesAndAnotherPrinterRefillsThem) {
     EXPECT_EQ(Text(messages, IDC_PRINTER_STATUS), Text(logos, IDC_PRINTER_STATUS));
     ASSERT_EQ(Rows(logos, IDC_LOGO_LIST), 40);
     ASSERT_EQ(Rows(messages, IDC_MESSAGE_LIST), 25);
-    EXPECT_EQ(g_box.seen, 0) << Narrow(g_box.lastText);
+    EXPECT_EQ(boxes_.seen, 0) << Narrow(boxes_.text);
 
     // Escape in the list presses the sheet's Cancel button.
     SetFocus(GetDlgItem(logos, IDC_LOGO_LIST));
@@ -372,8 +330,8 @@ TEST_F(DeviceSheet, PictureTooBigForTheLogoMemoryIsRefusedWhileTheFileDialogStay
     Select(page, IDC_LOGO_LIST, {3});
     bool stayedOpen = false;
     winhost::ModalDriver driver([this] { return winhost::FindThreadDialog(String(2166)); },
-                                {OpenPath(picturePath_), [&stayedOpen](HWND dialog) {
-                                     if (g_box.seen == 0)
+                                {OpenPath(picturePath_), [this, &stayedOpen](HWND dialog) {
+                                     if (boxes_.seen == 0)
                                          return false;  // the refusal is answered first
                                      stayedOpen = IsWindowVisible(dialog) != FALSE;
                                      PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
@@ -381,8 +339,8 @@ TEST_F(DeviceSheet, PictureTooBigForTheLogoMemoryIsRefusedWhileTheFileDialogStay
                                  }});
     Click(page, IDC_LOGO_ADD);
     EXPECT_TRUE(driver.Finished());
-    EXPECT_EQ(g_box.seen, 1);
-    EXPECT_TRUE(Contains(g_box.lastText, String(2231))) << Narrow(g_box.lastText);
+    EXPECT_EQ(boxes_.seen, 1);
+    EXPECT_TRUE(Contains(boxes_.text, String(2231))) << Narrow(boxes_.text);
     EXPECT_TRUE(stayedOpen);
     EXPECT_EQ(Printer().find("logo 4: "), std::string::npos) << Printer();
     EXPECT_EQ(Cell(page, IDC_LOGO_LIST, 3, 1), String(2204));

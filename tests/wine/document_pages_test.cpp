@@ -42,40 +42,6 @@ constexpr int kOptionsPage = 1;
 constexpr int kFirstStationPage = 2;
 constexpr int kSecondStationPage = 3;
 
-// Answers the next message box of this thread from a timer, which the box's own modal loop
-// runs, and remembers what the box said.
-struct BoxAnswer {
-    int answer = IDNO;
-    std::wstring text;
-    int seen = 0;
-};
-BoxAnswer g_box;
-
-BOOL CALLBACK CollectText(HWND child, LPARAM) {
-    wchar_t buf[512] = {};
-    GetWindowTextW(child, buf, 512);
-    g_box.text += buf;
-    return TRUE;
-}
-
-BOOL CALLBACK FindBox(HWND window, LPARAM) {
-    wchar_t cls[32] = {};
-    GetClassNameW(window, cls, 32);
-    if (std::wstring(cls) != L"#32770" || !GetWindow(window, GW_OWNER) || !IsWindowVisible(window))
-        return TRUE;
-    EnumChildWindows(window, CollectText, 0);
-    ++g_box.seen;
-    PostMessageW(window, WM_COMMAND, g_box.answer, 0);
-    return FALSE;
-}
-
-void CALLBACK AnswerBox(HWND, UINT, UINT_PTR timer, DWORD) {
-    const int before = g_box.seen;
-    EnumThreadWindows(GetCurrentThreadId(), FindBox, 0);
-    if (g_box.seen != before)
-        KillTimer(nullptr, timer);
-}
-
 class DocumentSheet : public ModelessSheetTest {
   protected:
     void SetUp() override {
@@ -107,7 +73,6 @@ class DocumentSheet : public ModelessSheetTest {
         id_ = status.identity;
         store::DeleteLogoEntries(p, kPrinter, id_);
         store::DeleteMessageEntries(p, kPrinter, id_);
-        g_box = {};
     }
 
     void TearDown() override {
@@ -243,6 +208,7 @@ class DocumentSheet : public ModelessSheetTest {
     std::unique_ptr<Win32ResourceStrings> strings_;
     PageContext ctx_;
     std::u16string id_;
+    MessageBoxAnswerer boxes_;
 };
 
 TEST_F(DocumentSheet, OptionsChangedInTheSheetReachThePageCopy) {
@@ -306,7 +272,7 @@ TEST_F(DocumentSheet, DocumentStationChosenOnTheDeviceSettingsPageChangesTheOpti
     ASSERT_TRUE(key);
     const std::u16string flagName = DecimalText(GetCurrentProcessId()) + u"_ss";
     EXPECT_EQ(ReadDwordValue(*key, flagName), 1u) << "the job prints on the document station";
-    EXPECT_EQ(g_box.seen, 0);
+    EXPECT_EQ(boxes_.seen, 0);
 }
 
 TEST_F(DocumentSheet, NarrowerPaperOffersToEraseTheLogosAndErasesThemOnYes) {
@@ -317,12 +283,11 @@ TEST_F(DocumentSheet, NarrowerPaperOffersToEraseTheLogosAndErasesThemOnYes) {
     Open();
     HWND device = Show(kDeviceSettingsPage);
     Choose(device, IDC_DS_PAPER, 4);  // 48 mm
-    g_box.answer = IDYES;
-    SetTimer(nullptr, 0, 50, AnswerBox);
+    boxes_.answer = IDYES;
     Apply();
-    EXPECT_EQ(g_box.seen, 1);
-    EXPECT_NE(g_box.text.find(String(3012).substr(0, 20)), std::wstring::npos)
-        << Narrow(g_box.text);
+    EXPECT_EQ(boxes_.seen, 1);
+    EXPECT_NE(boxes_.text.find(String(3012).substr(0, 20)), std::wstring::npos)
+        << Narrow(boxes_.text);
     ASSERT_TRUE(channel::GetLogosCRC(win32_.ports, true, kPrinter, crc));
     EXPECT_EQ(ReadU32(ByteSpan(crc, 4), 0), 0u) << "the printer's logo area is empty";
     EXPECT_TRUE(store::ReadLogoRecords(win32_.ports, kPrinter, id_).empty());

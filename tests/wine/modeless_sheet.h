@@ -18,6 +18,27 @@ inline std::string Narrow(const std::wstring& s) {
     return std::string(s.begin(), s.end());
 }
 
+// Answers every message box of this thread while it lives, from a thread timer that the box's
+// own modal loop runs: Yes or No as `answer` says (OK for a box without them). Counts the boxes
+// and keeps the texts of the last one. File dialogs are left alone.
+class MessageBoxAnswerer {
+  public:
+    MessageBoxAnswerer();
+    ~MessageBoxAnswerer();
+    MessageBoxAnswerer(const MessageBoxAnswerer&) = delete;
+    MessageBoxAnswerer& operator=(const MessageBoxAnswerer&) = delete;
+
+    int answer = IDNO;
+    int seen = 0;
+    std::wstring text;  // the last box's texts, its buttons' included
+
+  private:
+    static void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD);
+    static BOOL CALLBACK AnswerOne(HWND window, LPARAM self);
+    static BOOL CALLBACK CollectText(HWND child, LPARAM self);
+    UINT_PTR timer_ = 0;
+};
+
 class ModelessSheetTest : public ::testing::Test {
   protected:
     void Pump() {
