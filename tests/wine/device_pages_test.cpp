@@ -65,29 +65,10 @@ Bytes PictureFile(int width, int height) {
     return file;
 }
 
-class DeviceSheet : public ModelessSheetTest {
+class DeviceSheet : public SimulatedPrinterPagesTest {
   protected:
     void SetUp() override {
-        ASSERT_TRUE(sim_.Loaded());
-        ASSERT_EQ(sim_.Control(L"reset"), 0u);
-        ASSERT_EQ(sim_.Control(L"connect"), 0u);
-        resources_ = LoadLibraryW((winhost::ProgramFolder() + L"KVORSENU.DLL").c_str());
-        ASSERT_NE(resources_, nullptr);
-        strings_ = std::make_unique<Win32ResourceStrings>(resources_);
-        ctx_.platform = &win32_.ports;
-        ctx_.prompts = &prompts_;
-        ctx_.strings = strings_.get();
-        ctx_.pictures = &pictures_;
-        ctx_.printerName = kPrinter;
-
-        Platform& p = win32_.ports;
-        store::ConnectionStatus status;
-        ASSERT_TRUE(store::GetConnectionStatus(p, store::PrinterPortName(p, kPrinter), status));
-        ctx_.port = {true, status.modelCode, status.firmwareLevel, status.connected,
-                     status.identity};
-        store::DeleteLogoEntries(p, kPrinter, status.identity);
-        store::DeleteMessageEntries(p, kPrinter, status.identity);
-
+        ASSERT_NO_FATAL_FAILURE(SetUpPrinterAndContext());
         wchar_t temp[MAX_PATH] = {};
         GetTempPathW(MAX_PATH, temp);
         picturePath_ = std::wstring(temp) + L"kx20_page_logo.bmp";
@@ -95,10 +76,8 @@ class DeviceSheet : public ModelessSheetTest {
     }
 
     void TearDown() override {
-        CloseSheet();
+        SimulatedPrinterPagesTest::TearDown();
         DeleteFileW(picturePath_.c_str());
-        if (resources_)
-            FreeLibrary(resources_);
     }
 
     void WritePicture(const Bytes& picture) {
@@ -112,30 +91,11 @@ class DeviceSheet : public ModelessSheetTest {
     }
 
     void Open() {
-        const DLGPROC procs[2] = {kx20::GuiLogosDlgProc, kx20::GuiMessagesDlgProc};
-        PROPSHEETPAGEW pages[2] = {};
-        for (int i = 0; i < 2; ++i) {
-            pages[i].dwSize = sizeof(PROPSHEETPAGEW);
-            pages[i].dwFlags = PSP_USETITLE | PSP_PREMATURE;
-            pages[i].hInstance = resources_;
-            pages[i].pszTemplate = MAKEINTRESOURCEW(IDD_LOGOS_PAGE + i);
-            pages[i].pszTitle = MAKEINTRESOURCEW(IDD_LOGOS_PAGE + i);
-            pages[i].pfnDlgProc = procs[i];
-            pages[i].lParam = reinterpret_cast<LPARAM>(&ctx_);
-        }
-        PROPSHEETHEADERW header = {};
-        header.dwSize = sizeof(header);
-        header.dwFlags = PSH_PROPSHEETPAGE | PSH_MODELESS | PSH_NOAPPLYNOW;
-        header.hInstance = resources_;
-        header.pszCaption = L"KX20 Printer Properties";
-        header.nPages = 2;
-        header.ppsp = pages;
-        sheet_ = reinterpret_cast<HWND>(PropertySheetW(&header));
-        ASSERT_NE(sheet_, nullptr);
+        OpenSheet({kx20::GuiLogosDlgProc, kx20::GuiMessagesDlgProc}, IDD_LOGOS_PAGE,
+                  L"KX20 Printer Properties", PSP_USETITLE | PSP_PREMATURE, PSH_NOAPPLYNOW);
         SetWindowPos(sheet_, nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
         Pump();
     }
-
     void Ticks(int n) {
         for (int i = 0; i < n; ++i) {
             SendMessageW(Page(kLogosPage), WM_TIMER, kConnectionTimer, 0);
@@ -172,7 +132,6 @@ class DeviceSheet : public ModelessSheetTest {
         EXPECT_TRUE(winhost::SaveScreenshot(name, sheet_)) << Narrow(name);
     }
     bool Enabled(HWND page, int control) { return IsWindowEnabled(GetDlgItem(page, control)); }
-    std::wstring String(std::uint32_t id) { return ToWide(strings_->Load(id).value_or(u"")); }
     static bool Contains(const std::wstring& s, const std::wstring& part) {
         return s.find(part) != std::wstring::npos;
     }
@@ -204,14 +163,6 @@ class DeviceSheet : public ModelessSheetTest {
         EXPECT_TRUE(driver.Finished()) << "the file dialog was not answered";
     }
 
-    Win32Platform win32_;
-    Win32Prompts prompts_;
-    Win32Pictures pictures_;
-    winhost::SimulatedPrinterControl sim_{PortPath()};
-    HMODULE resources_ = nullptr;
-    std::unique_ptr<Win32ResourceStrings> strings_;
-    PageContext ctx_;
-    MessageBoxAnswerer boxes_;
     std::wstring picturePath_;
 };
 

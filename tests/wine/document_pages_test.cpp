@@ -42,20 +42,10 @@ constexpr int kOptionsPage = 1;
 constexpr int kFirstStationPage = 2;
 constexpr int kSecondStationPage = 3;
 
-class DocumentSheet : public ModelessSheetTest {
+class DocumentSheet : public SimulatedPrinterPagesTest {
   protected:
     void SetUp() override {
-        ASSERT_TRUE(sim_.Loaded());
-        ASSERT_EQ(sim_.Control(L"reset"), 0u);
-        ASSERT_EQ(sim_.Control(L"connect"), 0u);
-        resources_ = LoadLibraryW((winhost::ProgramFolder() + L"KVORSENU.DLL").c_str());
-        ASSERT_NE(resources_, nullptr);
-        strings_ = std::make_unique<Win32ResourceStrings>(resources_);
-
-        ctx_.platform = &win32_.ports;
-        ctx_.prompts = &prompts_;
-        ctx_.strings = strings_.get();
-        ctx_.printerName = kPrinter;
+        ASSERT_NO_FATAL_FAILURE(SetUpPrinterAndContext());
         // The record an application gets from the printer, as the sheet starts from it.
         ScopedPrinter printer;
         ASSERT_NE(printer.get(), nullptr);
@@ -64,46 +54,13 @@ class DocumentSheet : public ModelessSheetTest {
                                       DM_OUT_BUFFER),
                   IDOK);
         ctx_.docDevMode = &ctx_.pageCopy;
-
-        Platform& p = win32_.ports;
-        store::ConnectionStatus status;
-        ASSERT_TRUE(store::GetConnectionStatus(p, store::PrinterPortName(p, kPrinter), status));
-        ctx_.port = {true, status.modelCode, status.firmwareLevel, status.connected,
-                     status.identity};
-        id_ = status.identity;
-        store::DeleteLogoEntries(p, kPrinter, id_);
-        store::DeleteMessageEntries(p, kPrinter, id_);
-    }
-
-    void TearDown() override {
-        CloseSheet();
-        if (resources_)
-            FreeLibrary(resources_);
     }
 
     void Open() {
-        const DLGPROC procs[4] = {kx20::DeviceSettingsPageProc, kx20::GuiOptionsDlgProc,
-                                  kx20::StationPageProc, kx20::StationPageProc};
-        PROPSHEETPAGEW pages[4] = {};
-        for (int i = 0; i < 4; ++i) {
-            pages[i].dwSize = sizeof(PROPSHEETPAGEW);
-            pages[i].dwFlags = PSP_USETITLE | PSP_HASHELP | PSP_PREMATURE;
-            pages[i].hInstance = resources_;
-            pages[i].pszTemplate = MAKEINTRESOURCEW(IDD_DEVICE_SETTINGS + i);
-            pages[i].pszTitle = MAKEINTRESOURCEW(IDD_DEVICE_SETTINGS + i);
-            pages[i].pfnDlgProc = procs[i];
-            pages[i].lParam = reinterpret_cast<LPARAM>(&ctx_);
-        }
-        PROPSHEETHEADERW header = {};
-        header.dwSize = sizeof(header);
-        header.dwFlags = PSH_PROPSHEETPAGE | PSH_MODELESS;
-        header.hInstance = resources_;
-        header.pszCaption = L"KX20 Document Properties";
-        header.nPages = 4;
-        header.ppsp = pages;
-        sheet_ = reinterpret_cast<HWND>(PropertySheetW(&header));
-        ASSERT_NE(sheet_, nullptr);
-        Pump();
+        OpenSheet({kx20::DeviceSettingsPageProc, kx20::GuiOptionsDlgProc, kx20::StationPageProc,
+                   kx20::StationPageProc},
+                  IDD_DEVICE_SETTINGS, L"KX20 Document Properties",
+                  PSP_USETITLE | PSP_HASHELP | PSP_PREMATURE, 0);
     }
 
     void Choose(HWND page, int control, int index) {
@@ -130,7 +87,6 @@ class DocumentSheet : public ModelessSheetTest {
     int Selected(HWND page, int control) {
         return static_cast<int>(SendDlgItemMessageW(page, control, CB_GETCURSEL, 0, 0));
     }
-    std::wstring String(std::uint32_t id) { return ToWide(strings_->Load(id).value_or(u"")); }
     MutableByteSpan Priv() { return MutableByteSpan(ctx_.pageCopy).subspan(kDevModePublicSize); }
 
     // Saves the sheet as it shows now, as screenshots/NAME.png in the build folder, with
@@ -200,15 +156,6 @@ class DocumentSheet : public ModelessSheetTest {
         const Bytes picture(64, static_cast<std::uint8_t>(number));
         ASSERT_TRUE(store::RegisterLogo(win32_.ports, number, 1, 1, 64, picture, id_, kPrinter));
     }
-
-    Win32Platform win32_;
-    Win32Prompts prompts_;
-    winhost::SimulatedPrinterControl sim_{PortPath()};
-    HMODULE resources_ = nullptr;
-    std::unique_ptr<Win32ResourceStrings> strings_;
-    PageContext ctx_;
-    std::u16string id_;
-    MessageBoxAnswerer boxes_;
 };
 
 TEST_F(DocumentSheet, OptionsChangedInTheSheetReachThePageCopy) {

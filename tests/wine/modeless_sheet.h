@@ -10,7 +10,17 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
+#include <vector>
+
+#include "entry/page_context.h"
+#include "platform/win32/win32_pictures.h"
+#include "platform/win32/win32_platform.h"
+#include "platform/win32/win32_prompts.h"
+#include "platform/win32/win32_resources.h"
+#include "tests/wine/wine_environment.h"
+#include "tools/winhost/sim_control.h"
 
 namespace kx20::winetest {
 
@@ -76,6 +86,31 @@ class ModelessSheetTest : public ::testing::Test {
     }
 
     HWND sheet_ = nullptr;
+};
+
+// Pages shown over the Win32 adapters against the simulated printer: a fresh connected printer,
+// KVORSENU.DLL's templates and strings, a page context for the test's printer with its port
+// summary, the port's logo and message values removed, and message boxes answered.
+class SimulatedPrinterPagesTest : public ModelessSheetTest {
+  protected:
+    // Call first in SetUp (under ASSERT_NO_FATAL_FAILURE).
+    void SetUpPrinterAndContext();
+    void TearDown() override;
+    // A modeless sheet of `procs.size()` pages whose templates (and titles) are `firstTemplate`
+    // onwards, each with the context as its parameter.
+    void OpenSheet(const std::vector<DLGPROC>& procs, int firstTemplate, const wchar_t* caption,
+                   DWORD pageFlags, DWORD sheetFlags);
+    std::wstring String(std::uint32_t id);
+
+    Win32Platform win32_;
+    Win32Prompts prompts_;
+    Win32Pictures pictures_;
+    winhost::SimulatedPrinterControl sim_{PortPath()};
+    HMODULE resources_ = nullptr;
+    std::unique_ptr<Win32ResourceStrings> strings_;
+    PageContext ctx_;
+    std::u16string id_;  // the printer's identity
+    MessageBoxAnswerer boxes_;
 };
 
 }  // namespace kx20::winetest
