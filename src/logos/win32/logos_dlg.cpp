@@ -93,8 +93,8 @@ class LogosDialog {
                 Add();
         };
         HookSlotList(list, &keys_);
-        SetCaption(IDC_LOGO_ADD, logos::text::kAddLogoCaption);
-        SetCaption(IDC_LOGO_DELETE, logos::text::kDeleteLogoCaption);
+        SetStringCaption(hwnd_, IDC_LOGO_ADD, *ctx_.strings, logos::text::kAddLogoCaption);
+        SetStringCaption(hwnd_, IDC_LOGO_DELETE, *ctx_.strings, logos::text::kDeleteLogoCaption);
         SetupSlotList(list, kNameColumnWidth);
         model_.Initialise();
         // The shared record of the device pages is the sheet's user data while this page lives.
@@ -167,20 +167,13 @@ class LogosDialog {
   private:
     HWND List() const { return GetDlgItem(hwnd_, IDC_LOGO_LIST); }
 
-    void SetCaption(int control, std::uint32_t id) {
-        const std::u16string text = logos::LoadText(*ctx_.strings, id);
-        if (!text.empty())
-            SetControlText(hwnd_, control, text);
-    }
-
     // The model's rows, status and enablement onto the controls.
     void ShowAll() {
         filling_ = true;
         if (ShowSlotRows(List(), RowsOf(model_.Slots()), model_.Selection()))
             InvalidatePreview();
         filling_ = false;
-        if (ControlText(hwnd_, IDC_PRINTER_STATUS) != model_.StatusText())
-            SetControlText(hwnd_, IDC_PRINTER_STATUS, model_.StatusText());
+        ShowStatusLine(hwnd_, model_.StatusText());
         ShowEnablement();
     }
 

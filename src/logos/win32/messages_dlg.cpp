@@ -61,8 +61,10 @@ class MessagesDialog : public DevicePage {
                 Delete();
         };
         HookSlotList(list, &keys_);
-        SetCaption(IDC_MESSAGE_STORE, logos::text::kStoreMessageCaption);
-        SetCaption(IDC_MESSAGE_DELETE, logos::text::kDeleteMessageCaption);
+        SetStringCaption(hwnd_, IDC_MESSAGE_STORE, *ctx_.strings,
+                         logos::text::kStoreMessageCaption);
+        SetStringCaption(hwnd_, IDC_MESSAGE_DELETE, *ctx_.strings,
+                         logos::text::kDeleteMessageCaption);
         SendDlgItemMessageW(hwnd_, IDC_MESSAGE_TEXT, EM_LIMITTEXT, logos::kMessageEditChars, 0);
         // Single-byte text only: no input-method editor on the edit.
         ImmAssociateContext(GetDlgItem(hwnd_, IDC_MESSAGE_TEXT), nullptr);
@@ -143,18 +145,11 @@ class MessagesDialog : public DevicePage {
   private:
     HWND List() const { return GetDlgItem(hwnd_, IDC_MESSAGE_LIST); }
 
-    void SetCaption(int control, std::uint32_t id) {
-        const std::u16string text = logos::LoadText(*ctx_.strings, id);
-        if (!text.empty())
-            SetControlText(hwnd_, control, text);
-    }
-
     void ShowAll() {
         filling_ = true;
         ShowSlotRows(List(), RowsOf(model_.Slots()), model_.Selection());
         filling_ = false;
-        if (ControlText(hwnd_, IDC_PRINTER_STATUS) != model_.StatusText())
-            SetControlText(hwnd_, IDC_PRINTER_STATUS, model_.StatusText());
+        ShowStatusLine(hwnd_, model_.StatusText());
         ShowEnablement();
     }
 

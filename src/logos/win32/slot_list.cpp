@@ -3,6 +3,9 @@
 #include <commctrl.h>
 #include <prsht.h>
 
+#include "devmode/win32/page_window.h"
+#include "ids_device_pages.h"
+#include "logos/page_common.h"
 #include "platform/win32/win32_text.h"
 
 namespace kx20 {
@@ -146,6 +149,17 @@ void SelectOnlyRow(HWND list, int row) {
     item.state = LVIS_SELECTED | LVIS_FOCUSED;
     SendMessageW(list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&item));
     SendMessageW(list, LVM_ENSUREVISIBLE, row, FALSE);
+}
+
+void SetStringCaption(HWND dialog, int control, ResourceStrings& strings, std::uint32_t id) {
+    const std::u16string text = logos::LoadText(strings, id);
+    if (!text.empty())
+        SetControlText(dialog, control, text);
+}
+
+void ShowStatusLine(HWND dialog, std::u16string_view text) {
+    if (ControlText(dialog, IDC_PRINTER_STATUS) != text)
+        SetControlText(dialog, IDC_PRINTER_STATUS, text);
 }
 
 void HookSlotList(HWND list, SlotListKeys* keys) {

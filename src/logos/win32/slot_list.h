@@ -5,11 +5,14 @@
 
 #include "platform/win32/windows_clean.h"
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
 namespace kx20 {
+
+class ResourceStrings;
 
 struct SlotRow {
     std::u16string name;
@@ -27,6 +30,12 @@ bool ShowSlotRows(HWND list, const std::vector<SlotRow>& rows, const std::vector
 bool IsSlotStateChange(LPARAM notification, int listId);
 std::vector<int> SelectedRows(HWND list);
 void SelectOnlyRow(HWND list, int row);
+
+// A button's caption from the resource module's string `id`; the template's caption stays when
+// the string is missing.
+void SetStringCaption(HWND dialog, int control, ResourceStrings& strings, std::uint32_t id);
+// The page's status line (1213), set only when it changes (no flicker on every timer tick).
+void ShowStatusLine(HWND dialog, std::u16string_view text);
 
 // What the list does with the keys it keeps. Tab and Shift+Tab move the focus through the sheet
 // and Escape presses the sheet's Cancel button whatever the page; the others are the page's.
