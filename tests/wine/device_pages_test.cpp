@@ -18,7 +18,10 @@
 #include "entry/page_context.h"
 #include "entry/win32/page_procs.h"
 #include "ids_device_pages.h"
+#include "logos/logo_store.h"
+#include "logos/win32/preview_painter.h"
 #include "platform/bytes.h"
+#include "platform/win32/win32_files.h"
 #include "platform/win32/win32_pictures.h"
 #include "platform/win32/win32_platform.h"
 #include "platform/win32/win32_prompts.h"
@@ -295,6 +298,47 @@ TEST_F(DeviceSheet, PictureTooBigForTheLogoMemoryIsRefusedWhileTheFileDialogStay
     EXPECT_TRUE(stayedOpen);
     EXPECT_EQ(Printer().find("logo 4: "), std::string::npos) << Printer();
     EXPECT_EQ(Cell(page, IDC_LOGO_LIST, 3, 1), String(2204));
+}
+
+// A stored logo's bytes (as the station pages and the logos page preview them) painted into a
+// frame larger than the picture: drawn at its own size at the top left, the rest background,
+// and the temporary file gone afterwards. No bytes: background only.
+TEST(PicturePreview, StoredBytesArePaintedAtTheFramesTopLeftThroughATemporaryFile) {
+    constexpr int kWidth = 120, kHeight = 60;
+    HDC screen = GetDC(nullptr);
+    HDC dc = CreateCompatibleDC(screen);
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof(BITMAPINFOHEADER), kWidth, -kHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* bits = nullptr;
+    HBITMAP bitmap = CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    ASSERT_NE(bitmap, nullptr);
+    HGDIOBJ old = SelectObject(dc, bitmap);
+    const RECT frame = {0, 0, kWidth, kHeight};
+    auto pixel = [&](int x, int y) {
+        return static_cast<const std::uint32_t*>(bits)[y * kWidth + x] & 0xFFFFFF;
+    };
+    const COLORREF face = GetSysColor(COLOR_3DFACE);
+    const std::uint32_t background =
+        (GetRValue(face) << 16) | (GetGValue(face) << 8) | GetBValue(face);
+
+    const Bytes picture = PictureFile(96, 40);
+    PaintPictureBytesPreview(nullptr, dc, picture, frame, 0, false, true);
+    GdiFlush();
+    EXPECT_EQ(pixel(0, 0), 0u) << "the picture's black frame";
+    EXPECT_EQ(pixel(10, 30), 0xFFFFFFu) << "inside the picture, off its diagonal";
+    EXPECT_EQ(pixel(100, 10), background) << "right of the picture";
+    EXPECT_EQ(pixel(10, 50), background) << "below the picture";
+    Win32FileSystem files;
+    EXPECT_FALSE(files.Exists(logos::TempPicturePath(files)));
+
+    PaintPictureBytesPreview(nullptr, dc, ByteSpan(), frame, 0, false, true);
+    GdiFlush();
+    EXPECT_EQ(pixel(0, 0), background);
+
+    SelectObject(dc, old);
+    DeleteObject(bitmap);
+    DeleteDC(dc);
+    ReleaseDC(nullptr, screen);
 }
 
 }  // namespace
