@@ -277,6 +277,34 @@ TEST_F(DeviceSheet, DisconnectDisablesBothPagesAndAnotherPrinterRefillsThem) {
     EXPECT_EQ(PropSheet_GetCurrentPageHwnd(sheet_), nullptr) << "the sheet was not cancelled";
 }
 
+TEST_F(DeviceSheet, ConnectionTimerLeavesThePagesAloneWhileAFlowShowsAMessageBox) {
+    Open();
+    HWND logos = Page(kLogosPage);
+    HWND messages = Show(kMessagesPage);
+    Select(messages, IDC_MESSAGE_LIST, {0});
+    SetDlgItemTextW(messages, IDC_MESSAGE_TEXT, L"Open 9 to 5");
+    Click(messages, IDC_MESSAGE_STORE);
+    ASSERT_EQ(Cell(messages, IDC_MESSAGE_LIST, 0, 1), String(2203));
+
+    // While the deletion question is open the printer goes away and the timer ticks.
+    boxes_.active = false;
+    bool enabledDuringBox = false;
+    winhost::ModalDriver driver(
+        [this] { return winhost::FindThreadDialog(String(2220)); }, {[&](HWND box) {
+            EXPECT_EQ(sim_.Control(L"disconnect"), 0u);
+            SendMessageW(logos, WM_TIMER, kConnectionTimer, 0);
+            enabledDuringBox =
+                Enabled(messages, IDC_MESSAGE_LIST) && Rows(messages, IDC_MESSAGE_LIST) == 25;
+            PostMessageW(box, WM_COMMAND, IDNO, 0);
+            return true;
+        }});
+    Click(messages, IDC_MESSAGE_DELETE);
+    ASSERT_TRUE(driver.Finished());
+    EXPECT_TRUE(enabledDuringBox) << "the tick changed the page under the open question";
+    Ticks(2);
+    EXPECT_FALSE(Enabled(messages, IDC_MESSAGE_LIST)) << "the next tick outside it does";
+}
+
 TEST_F(DeviceSheet, PictureTooBigForTheLogoMemoryIsRefusedWhileTheFileDialogStaysOpen) {
     WritePicture(PictureFile(1024, 512));  // 65,536 bytes at one bit a pixel
     Open();

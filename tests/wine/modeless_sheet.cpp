@@ -23,7 +23,7 @@ MessageBoxAnswerer::~MessageBoxAnswerer() {
 }
 
 void CALLBACK MessageBoxAnswerer::Tick(HWND, UINT, UINT_PTR, DWORD) {
-    if (g_answerer)
+    if (g_answerer && g_answerer->active)
         EnumThreadWindows(GetCurrentThreadId(), AnswerOne, reinterpret_cast<LPARAM>(g_answerer));
 }
 

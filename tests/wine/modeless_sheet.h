@@ -38,6 +38,7 @@ class MessageBoxAnswerer {
     MessageBoxAnswerer(const MessageBoxAnswerer&) = delete;
     MessageBoxAnswerer& operator=(const MessageBoxAnswerer&) = delete;
 
+    bool active = true;  // false: boxes are left to the test
     int answer = IDNO;
     int seen = 0;
     std::wstring text;  // the last box's texts, its buttons' included

@@ -120,6 +120,8 @@ class LogosDialog {
             case WM_TIMER:
                 if (wParam != kConnectionTimer)
                     return false;
+                if (SlotPageBusy::Any())
+                    return true;  // a flow is showing a modal window
                 model_.OnTimer();
                 ShowAll();
                 result = 0;
@@ -205,6 +207,7 @@ class LogosDialog {
         const auto number = model_.AddLogoNumber();
         if (!number)
             return;
+        SlotPageBusy busy;
         const std::wstring filter = FilterText(logos::text::kLogoFileFilter);
         const std::wstring title =
             ToWide(logos::LoadText(*ctx_.strings, logos::text::kAddLogoTitle));
@@ -244,6 +247,7 @@ class LogosDialog {
     }
 
     void Delete() {
+        SlotPageBusy busy;
         model_.DeleteSelected();
         ShowAll();
         SetFocus(List());

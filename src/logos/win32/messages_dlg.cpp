@@ -163,6 +163,7 @@ class MessagesDialog : public DevicePage {
 
     void Store() {
         const int row = model_.Selection().size() == 1 ? model_.Selection()[0] : -1;
+        SlotPageBusy busy;
         const bool stored = model_.StoreMessage(ControlText(hwnd_, IDC_MESSAGE_TEXT));
         ShowAll();
         if (stored) {
@@ -172,6 +173,7 @@ class MessagesDialog : public DevicePage {
     }
 
     void Delete() {
+        SlotPageBusy busy;
         model_.DeleteSelected();
         ShowAll();
         SetControlText(hwnd_, IDC_MESSAGE_TEXT, model_.EditText());

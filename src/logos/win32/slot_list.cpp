@@ -151,6 +151,20 @@ void SelectOnlyRow(HWND list, int row) {
     SendMessageW(list, LVM_ENSUREVISIBLE, row, FALSE);
 }
 
+namespace {
+thread_local int g_busyFlows = 0;  // the sheet's pages all run on its window thread
+}  // namespace
+
+SlotPageBusy::SlotPageBusy() {
+    ++g_busyFlows;
+}
+SlotPageBusy::~SlotPageBusy() {
+    --g_busyFlows;
+}
+bool SlotPageBusy::Any() {
+    return g_busyFlows > 0;
+}
+
 void SetStringCaption(HWND dialog, int control, ResourceStrings& strings, std::uint32_t id) {
     const std::u16string text = logos::LoadText(strings, id);
     if (!text.empty())

@@ -37,6 +37,18 @@ void SetStringCaption(HWND dialog, int control, ResourceStrings& strings, std::u
 // The page's status line (1213), set only when it changes (no flicker on every timer tick).
 void ShowStatusLine(HWND dialog, std::u16string_view text);
 
+// Marks the length of a page's flow that may show a modal window (message box, file dialog):
+// the connection timer, which keeps running in their modal loops, skips its ticks meanwhile so
+// that no model changes under a flow that is under way.
+class SlotPageBusy {
+  public:
+    SlotPageBusy();
+    ~SlotPageBusy();
+    SlotPageBusy(const SlotPageBusy&) = delete;
+    SlotPageBusy& operator=(const SlotPageBusy&) = delete;
+    static bool Any();
+};
+
 // What the list does with the keys it keeps. Tab and Shift+Tab move the focus through the sheet
 // and Escape presses the sheet's Cancel button whatever the page; the others are the page's.
 struct SlotListKeys {
