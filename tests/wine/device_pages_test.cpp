@@ -311,19 +311,32 @@ TEST_F(DeviceSheet, PictureTooBigForTheLogoMemoryIsRefusedWhileTheFileDialogStay
     HWND page = Page(kLogosPage);
     Select(page, IDC_LOGO_LIST, {3});
     bool stayedOpen = false;
-    winhost::ModalDriver driver([this] { return winhost::FindThreadDialog(String(2166)); },
-                                {OpenPath(picturePath_), [this, &stayedOpen](HWND dialog) {
-                                     if (boxes_.seen == 0)
-                                         return false;  // the refusal is answered first
-                                     stayedOpen = IsWindowVisible(dialog) != FALSE;
-                                     PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-                                     return true;
-                                 }});
+    bool formChoice = false;
+    winhost::ModalDriver driver(
+        [this] { return winhost::FindThreadDialog(String(2166)); },
+        {[&formChoice](HWND dialog) {
+             // The form choice of the dialog's own template.
+             HWND hook = FindWindowExW(dialog, nullptr, L"#32770", nullptr);
+             formChoice = hook && SendDlgItemMessageW(hook, IDC_LOGO_FORM, CB_GETCOUNT, 0, 0) == 4;
+             RedrawWindow(dialog, nullptr, nullptr,
+                          RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+             EXPECT_TRUE(winhost::SaveScreenshot(L"logo_file_dialog", dialog));
+             return true;
+         },
+         OpenPath(picturePath_),
+         [this, &stayedOpen](HWND dialog) {
+             if (boxes_.seen == 0)
+                 return false;  // the refusal is answered first
+             stayedOpen = IsWindowVisible(dialog) != FALSE;
+             PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+             return true;
+         }});
     Click(page, IDC_LOGO_ADD);
     EXPECT_TRUE(driver.Finished());
     EXPECT_EQ(boxes_.seen, 1);
     EXPECT_TRUE(Contains(boxes_.text, String(2231))) << Narrow(boxes_.text);
     EXPECT_TRUE(stayedOpen);
+    EXPECT_TRUE(formChoice) << "no form list in the file dialog";
     EXPECT_EQ(Printer().find("logo 4: "), std::string::npos) << Printer();
     EXPECT_EQ(Cell(page, IDC_LOGO_LIST, 3, 1), String(2204));
 }
