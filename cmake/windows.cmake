@@ -2,7 +2,7 @@
 # test program and the demo host. Every binary is self-contained: static C++ runtime, static
 # winpthread, no MinGW runtime DLLs.
 set(KX20_STATIC_LINK -static -static-libgcc -static-libstdc++)
-set(KX20_SYSTEM_LIBS winspool advapi32 ole32 oleaut32 uuid comctl32 comdlg32 gdi32 user32 shell32 kernel32)
+set(KX20_SYSTEM_LIBS winspool advapi32 ole32 oleaut32 uuid comctl32 comdlg32 imm32 gdi32 user32 shell32 kernel32)
 
 file(GLOB KX20_WIN32_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/platform/win32/*.cpp)
 add_library(kx20win32 STATIC ${KX20_WIN32_SOURCES})

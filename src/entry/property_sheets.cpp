@@ -136,6 +136,7 @@ std::unique_ptr<PageContext> OpenSheetContext(const SheetPorts& ports,
     auto context = std::make_unique<PageContext>();
     context->platform = &ports.platform;
     context->prompts = &ports.prompts;
+    context->pictures = ports.pictures;
     context->printerName = std::u16string(printerName);
     context->driverName = info->driverName;
     context->resources = std::make_unique<ResourceModule>(ports.system, *settings);

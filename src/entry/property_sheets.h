@@ -50,6 +50,7 @@ struct SheetPorts {
     Platform& platform;
     SystemServices& system;
     UserPrompts& prompts;
+    Pictures* pictures = nullptr;  // the picture loader the logos pages and previews use
 };
 
 // The description of one page of a sheet: template and title `id`, the title from the

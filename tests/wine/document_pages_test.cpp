@@ -28,6 +28,7 @@
 #include "platform/win32/win32_text.h"
 #include "store/catalogue.h"
 #include "store/registry_layout.h"
+#include "tests/wine/modeless_sheet.h"
 #include "tests/wine/wine_environment.h"
 #include "tools/winhost/driver_install.h"
 #include "tools/winhost/sim_control.h"
@@ -41,58 +42,10 @@ constexpr int kOptionsPage = 1;
 constexpr int kFirstStationPage = 2;
 constexpr int kSecondStationPage = 3;
 
-// Answers the next message box of this thread from a timer, which the box's own modal loop
-// runs, and remembers what the box said.
-struct BoxAnswer {
-    int answer = IDNO;
-    std::wstring text;
-    int seen = 0;
-};
-BoxAnswer g_box;
-
-BOOL CALLBACK CollectText(HWND child, LPARAM) {
-    wchar_t buf[512] = {};
-    GetWindowTextW(child, buf, 512);
-    g_box.text += buf;
-    return TRUE;
-}
-
-BOOL CALLBACK FindBox(HWND window, LPARAM) {
-    wchar_t cls[32] = {};
-    GetClassNameW(window, cls, 32);
-    if (std::wstring(cls) != L"#32770" || !GetWindow(window, GW_OWNER) || !IsWindowVisible(window))
-        return TRUE;
-    EnumChildWindows(window, CollectText, 0);
-    ++g_box.seen;
-    PostMessageW(window, WM_COMMAND, g_box.answer, 0);
-    return FALSE;
-}
-
-void CALLBACK AnswerBox(HWND, UINT, UINT_PTR timer, DWORD) {
-    const int before = g_box.seen;
-    EnumThreadWindows(GetCurrentThreadId(), FindBox, 0);
-    if (g_box.seen != before)
-        KillTimer(nullptr, timer);
-}
-
-std::string Narrow(const std::wstring& s) {
-    return std::string(s.begin(), s.end());
-}
-
-class DocumentSheet : public ::testing::Test {
+class DocumentSheet : public SimulatedPrinterPagesTest {
   protected:
     void SetUp() override {
-        ASSERT_TRUE(sim_.Loaded());
-        ASSERT_EQ(sim_.Control(L"reset"), 0u);
-        ASSERT_EQ(sim_.Control(L"connect"), 0u);
-        resources_ = LoadLibraryW((winhost::ProgramFolder() + L"KVORSENU.DLL").c_str());
-        ASSERT_NE(resources_, nullptr);
-        strings_ = std::make_unique<Win32ResourceStrings>(resources_);
-
-        ctx_.platform = &win32_.ports;
-        ctx_.prompts = &prompts_;
-        ctx_.strings = strings_.get();
-        ctx_.printerName = kPrinter;
+        ASSERT_NO_FATAL_FAILURE(SetUpPrinterAndContext());
         // The record an application gets from the printer, as the sheet starts from it.
         ScopedPrinter printer;
         ASSERT_NE(printer.get(), nullptr);
@@ -101,73 +54,15 @@ class DocumentSheet : public ::testing::Test {
                                       DM_OUT_BUFFER),
                   IDOK);
         ctx_.docDevMode = &ctx_.pageCopy;
-
-        Platform& p = win32_.ports;
-        store::ConnectionStatus status;
-        ASSERT_TRUE(store::GetConnectionStatus(p, store::PrinterPortName(p, kPrinter), status));
-        ctx_.port = {true, status.modelCode, status.firmwareLevel, status.connected,
-                     status.identity};
-        id_ = status.identity;
-        store::DeleteLogoEntries(p, kPrinter, id_);
-        store::DeleteMessageEntries(p, kPrinter, id_);
-        g_box = {};
-    }
-
-    void TearDown() override {
-        if (sheet_)
-            DestroyWindow(sheet_);
-        Pump();
-        if (resources_)
-            FreeLibrary(resources_);
     }
 
     void Open() {
-        const DLGPROC procs[4] = {kx20::DeviceSettingsPageProc, kx20::GuiOptionsDlgProc,
-                                  kx20::StationPageProc, kx20::StationPageProc};
-        PROPSHEETPAGEW pages[4] = {};
-        for (int i = 0; i < 4; ++i) {
-            pages[i].dwSize = sizeof(PROPSHEETPAGEW);
-            pages[i].dwFlags = PSP_USETITLE | PSP_HASHELP | PSP_PREMATURE;
-            pages[i].hInstance = resources_;
-            pages[i].pszTemplate = MAKEINTRESOURCEW(IDD_DEVICE_SETTINGS + i);
-            pages[i].pszTitle = MAKEINTRESOURCEW(IDD_DEVICE_SETTINGS + i);
-            pages[i].pfnDlgProc = procs[i];
-            pages[i].lParam = reinterpret_cast<LPARAM>(&ctx_);
-        }
-        PROPSHEETHEADERW header = {};
-        header.dwSize = sizeof(header);
-        header.dwFlags = PSH_PROPSHEETPAGE | PSH_MODELESS;
-        header.hInstance = resources_;
-        header.pszCaption = L"KX20 Document Properties";
-        header.nPages = 4;
-        header.ppsp = pages;
-        sheet_ = reinterpret_cast<HWND>(PropertySheetW(&header));
-        ASSERT_NE(sheet_, nullptr);
-        Pump();
+        OpenSheet({kx20::DeviceSettingsPageProc, kx20::GuiOptionsDlgProc, kx20::StationPageProc,
+                   kx20::StationPageProc},
+                  IDD_DEVICE_SETTINGS, L"KX20 Document Properties",
+                  PSP_USETITLE | PSP_HASHELP | PSP_PREMATURE, 0);
     }
 
-    void Pump() {
-        MSG msg;
-        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            if (sheet_ && PropSheet_IsDialogMessage(sheet_, &msg))
-                continue;
-            TranslateMessage(&msg);
-            DispatchMessageW(&msg);
-        }
-    }
-
-    HWND Page(int index) {
-        return reinterpret_cast<HWND>(SendMessageW(sheet_, PSM_INDEXTOHWND, index, 0));
-    }
-    HWND Show(int index) {
-        SendMessageW(sheet_, PSM_SETCURSEL, index, 0);
-        Pump();
-        return Page(index);
-    }
-    void Click(HWND page, int control) {
-        SendDlgItemMessageW(page, control, BM_CLICK, 0, 0);
-        Pump();
-    }
     void Choose(HWND page, int control, int index) {
         HWND list = GetDlgItem(page, control);
         SendMessageW(list, CB_SETCURSEL, index, 0);
@@ -192,12 +87,6 @@ class DocumentSheet : public ::testing::Test {
     int Selected(HWND page, int control) {
         return static_cast<int>(SendDlgItemMessageW(page, control, CB_GETCURSEL, 0, 0));
     }
-    std::wstring Text(HWND page, int control) {
-        wchar_t buf[300] = {};
-        GetDlgItemTextW(page, control, buf, 300);
-        return buf;
-    }
-    std::wstring String(std::uint32_t id) { return ToWide(strings_->Load(id).value_or(u"")); }
     MutableByteSpan Priv() { return MutableByteSpan(ctx_.pageCopy).subspan(kDevModePublicSize); }
 
     // Saves the sheet as it shows now, as screenshots/NAME.png in the build folder, with
@@ -267,15 +156,6 @@ class DocumentSheet : public ::testing::Test {
         const Bytes picture(64, static_cast<std::uint8_t>(number));
         ASSERT_TRUE(store::RegisterLogo(win32_.ports, number, 1, 1, 64, picture, id_, kPrinter));
     }
-
-    Win32Platform win32_;
-    Win32Prompts prompts_;
-    winhost::SimulatedPrinterControl sim_{PortPath()};
-    HMODULE resources_ = nullptr;
-    std::unique_ptr<Win32ResourceStrings> strings_;
-    PageContext ctx_;
-    std::u16string id_;
-    HWND sheet_ = nullptr;
 };
 
 TEST_F(DocumentSheet, OptionsChangedInTheSheetReachThePageCopy) {
@@ -339,7 +219,7 @@ TEST_F(DocumentSheet, DocumentStationChosenOnTheDeviceSettingsPageChangesTheOpti
     ASSERT_TRUE(key);
     const std::u16string flagName = DecimalText(GetCurrentProcessId()) + u"_ss";
     EXPECT_EQ(ReadDwordValue(*key, flagName), 1u) << "the job prints on the document station";
-    EXPECT_EQ(g_box.seen, 0);
+    EXPECT_EQ(boxes_.seen, 0);
 }
 
 TEST_F(DocumentSheet, NarrowerPaperOffersToEraseTheLogosAndErasesThemOnYes) {
@@ -350,12 +230,11 @@ TEST_F(DocumentSheet, NarrowerPaperOffersToEraseTheLogosAndErasesThemOnYes) {
     Open();
     HWND device = Show(kDeviceSettingsPage);
     Choose(device, IDC_DS_PAPER, 4);  // 48 mm
-    g_box.answer = IDYES;
-    SetTimer(nullptr, 0, 50, AnswerBox);
+    boxes_.answer = IDYES;
     Apply();
-    EXPECT_EQ(g_box.seen, 1);
-    EXPECT_NE(g_box.text.find(String(3012).substr(0, 20)), std::wstring::npos)
-        << Narrow(g_box.text);
+    EXPECT_EQ(boxes_.seen, 1);
+    EXPECT_NE(boxes_.text.find(String(3012).substr(0, 20)), std::wstring::npos)
+        << Narrow(boxes_.text);
     ASSERT_TRUE(channel::GetLogosCRC(win32_.ports, true, kPrinter, crc));
     EXPECT_EQ(ReadU32(ByteSpan(crc, 4), 0), 0u) << "the printer's logo area is empty";
     EXPECT_TRUE(store::ReadLogoRecords(win32_.ports, kPrinter, id_).empty());

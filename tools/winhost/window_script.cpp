@@ -1,5 +1,7 @@
 #include "tools/winhost/window_script.h"
 
+#include <cstdio>
+
 #include <commctrl.h>
 
 #include "tools/winhost/driver_install.h"
@@ -114,7 +116,7 @@ std::wstring ScreenshotPath(const std::wstring& name) {
     return folder + L"\\" + name + L".png";
 }
 
-bool SaveScreenshot(const std::wstring& name) {
+bool SaveScreenshot(const std::wstring& name, HWND window) {
     using UnixName = char*(CDECL*)(LPCWSTR);
     using Spawn = LONG(WINAPI*)(char* const*, int);
     auto unixName = reinterpret_cast<UnixName>(reinterpret_cast<void*>(
@@ -128,8 +130,20 @@ bool SaveScreenshot(const std::wstring& name) {
     char* target = unixName(path.c_str());
     if (!target)
         return false;
-    char program[] = "import", window[] = "-window", root[] = "root";
-    char* argv[] = {program, window, root, target, nullptr};
+    char program[] = "import", windowFlag[] = "-window", root[] = "root", crop[] = "-crop";
+    char geometry[64] = {};
+    char* argv[] = {program, windowFlag, root, target, nullptr, nullptr, nullptr};
+    RECT r = {};
+    if (window && GetClientRect(window, &r)) {
+        // Only the window's client area (with no window manager on the display nobody draws
+        // the frame): its rectangle cut out of the screen.
+        MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&r), 2);
+        std::snprintf(geometry, sizeof geometry, "%ldx%ld+%ld+%ld", r.right - r.left,
+                      r.bottom - r.top, r.left, r.top);
+        argv[3] = crop;
+        argv[4] = geometry;
+        argv[5] = target;
+    }
     const LONG status = spawn(argv, TRUE);
     HeapFree(GetProcessHeap(), 0, target);
     return status == 0 && GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;

@@ -17,10 +17,4 @@ namespace kx20 {
 // settings page changed the station or the paper.
 inline constexpr WPARAM kDeviceSettingsChanged = 0x4B58;  // "KX"
 
-// Paints a station page's logo preview frame until the picture preview painter takes over:
-// the 3D-face colour, a sunken edge and the chosen logo's name. The picture itself is not
-// drawn yet.
-void PaintLogoPreviewPlaceholder(HDC dc, const RECT& frame, HFONT font,
-                                 std::u16string_view logoName);
-
 }  // namespace kx20

@@ -66,4 +66,17 @@ void ShowPageHelp(HWND page, const PageContext& ctx, DWORD topic) {
     WinHelpW(page, ToWide(ctx.helpPath).c_str(), HELP_CONTEXT, topic);
 }
 
+void ShowPageOrControlHelp(HWND page, const PageContext& ctx, DWORD pageTopic, const HELPINFO& info,
+                           const DWORD* controlTopics) {
+    if (ctx.helpPath.empty())
+        return;
+    const bool f1 = (GetKeyState(VK_F1) & 0x8000) && !(GetKeyState(VK_SHIFT) & 0x8000);
+    if (f1 || info.iContextType != HELPINFO_WINDOW) {
+        ShowPageHelp(page, ctx, pageTopic);
+        return;
+    }
+    WinHelpW(static_cast<HWND>(info.hItemHandle), ToWide(ctx.helpPath).c_str(), HELP_WM_HELP,
+             reinterpret_cast<ULONG_PTR>(controlTopics));
+}
+
 }  // namespace kx20

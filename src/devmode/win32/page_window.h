@@ -41,13 +41,18 @@ int PageTemplateId(const PROPSHEETPAGEW* description);
 
 // Opens the resource module's help file at a topic.
 void ShowPageHelp(HWND page, const PageContext& ctx, DWORD topic);
+// WM_HELP: F1 without Shift opens the page's topic; otherwise the control's popup topic from
+// `controlTopics` (control id, topic pairs ending with 0, 0). Nothing without a help file.
+void ShowPageOrControlHelp(HWND page, const PageContext& ctx, DWORD pageTopic, const HELPINFO& info,
+                           const DWORD* controlTopics);
 
 // What every page class offers the thunk:
 //   Page(HWND, PageContext&, const PROPSHEETPAGEW*)
 //   void OnInit();
 //   void OnApply();
 //   void ShowHelp();
-//   bool OnMessage(UINT, WPARAM, LPARAM, LRESULT& result);  // true when handled
+//   bool OnMessage(UINT, WPARAM, LPARAM, LRESULT& result);  // true when handled (also
+//                                                           // WM_NOTIFY of the controls)
 template <class Page>
 INT_PTR RunPage(const char16_t* name, HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     auto result = [hwnd](LRESULT value) {
@@ -89,7 +94,7 @@ INT_PTR RunPage(const char16_t* name, HWND hwnd, UINT message, WPARAM wParam, LP
                 case PSN_RESET:
                     return result(0);
                 default:
-                    return FALSE;
+                    break;  // the controls' own notifications go to the page
             }
         }
         LRESULT value = 0;

@@ -4,30 +4,10 @@
 #include "devmode/win32/document_pages.h"
 #include "devmode/win32/page_window.h"
 #include "ids_document_pages.h"
+#include "logos/win32/preview_painter.h"
 #include "platform/win32/win32_text.h"
 
 namespace kx20 {
-
-// Stands in for the picture preview painter, which is not part of this module yet: fills the
-// frame with the 3D-face colour, draws a sunken edge and writes the chosen logo's name in
-// the middle. Nothing but the background when no logo is chosen.
-void PaintLogoPreviewPlaceholder(HDC dc, const RECT& frame, HFONT font,
-                                 std::u16string_view logoName) {
-    FillRect(dc, &frame, GetSysColorBrush(COLOR_3DFACE));
-    RECT edge = frame;
-    DrawEdge(dc, &edge, EDGE_SUNKEN, BF_RECT);
-    if (logoName.empty())
-        return;
-    HGDIOBJ previous = font ? SelectObject(dc, font) : nullptr;
-    SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, GetSysColor(COLOR_BTNTEXT));
-    RECT text = frame;
-    std::wstring wide = ToWide(logoName);
-    DrawTextW(dc, wide.c_str(), static_cast<int>(wide.size()), &text,
-              DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX | DT_END_ELLIPSIS);
-    if (previous)
-        SelectObject(dc, previous);
-}
 
 namespace {
 
@@ -138,15 +118,17 @@ class StationDialog {
         }
     }
 
+    // The chosen logo's picture fitted into the owner-drawn frame; the background alone when
+    // no logo is chosen or the printer does not hold it.
     void PaintPreview(const DRAWITEMSTRUCT& item) {
         const StationList list =
             item.CtlID == IDC_ST_HEADER_PREVIEW ? StationList::HeaderLogo : StationList::FooterLogo;
-        std::u16string name;
-        const int selection = model_.Selection(list);
-        if (selection > 0)
-            name = model_.Entries(list)[static_cast<std::size_t>(selection)].text;
-        auto font = reinterpret_cast<HFONT>(SendMessageW(hwnd_, WM_GETFONT, 0, 0));
-        PaintLogoPreviewPlaceholder(item.hDC, item.rcItem, font, name);
+        const store::LogoRecord* logo = model_.ChosenLogo(list);
+        PaintPictureBytesPreview(item.hwndItem, item.hDC,
+                                 logo ? ByteSpan(logo->picture) : ByteSpan(), item.rcItem,
+                                 static_cast<int>(item.CtlID), false, true);
+        RECT edge = item.rcItem;
+        DrawEdge(item.hDC, &edge, EDGE_SUNKEN, BF_RECT);
     }
 
     HWND hwnd_;

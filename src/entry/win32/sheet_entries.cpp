@@ -18,6 +18,7 @@
 #include "log/trace.h"
 #include "logos/win32/about_box.h"
 #include "platform/win32/win32_platform.h"
+#include "platform/win32/win32_pictures.h"
 #include "platform/win32/win32_prompts.h"
 #include "platform/win32/win32_sheets.h"
 #include "platform/win32/win32_system.h"
@@ -45,7 +46,8 @@ struct SheetState {
     Win32Platform platform;
     Win32System system{&PageDialogProc};
     Win32Prompts prompts;
-    SheetPorts ports{platform.ports, system, prompts};
+    Win32Pictures pictures;
+    SheetPorts ports{platform.ports, system, prompts, &pictures};
     std::unique_ptr<PageContext> context;
     std::wstring callerName, helpFile, itemName;
 };

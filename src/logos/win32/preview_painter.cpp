@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "logos/logo_store.h"
 #include "logos/preview_fit.h"
 #include "logos/raster_conversion.h"
 #include "platform/win32/win32_files.h"
@@ -100,6 +101,23 @@ void PaintPicturePreview(HWND window, HDC dcOrNull, const std::u16string& pictur
         DeleteDC(memory);
     if (!dcOrNull && dc)
         EndPaint(window, &paint);
+}
+
+void PaintPictureBytesPreview(HWND window, HDC dcOrNull, ByteSpan picture, const RECT& frame,
+                              int frameId, bool grey, bool plainBackground) {
+    std::u16string path;
+    Win32FileSystem files;
+    if (!picture.empty()) {
+        path = logos::TempPicturePath(files);
+        auto file = files.Open(path, OpenMode::CreateAlways, ShareMode::None);
+        const bool written = file && file->Write(picture);
+        file.reset();  // closed before it is read again
+        if (!written)
+            path.clear();
+    }
+    PaintPicturePreview(window, dcOrNull, path, frame, frameId, grey, plainBackground);
+    if (!path.empty())
+        files.Remove(path);
 }
 
 }  // namespace kx20

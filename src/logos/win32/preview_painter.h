@@ -7,6 +7,8 @@
 
 #include <string>
 
+#include "platform/bytes.h"
+
 namespace kx20 {
 
 // Paints `picturePath` (nothing when empty or unreadable) fitted into `frame` (client
@@ -16,5 +18,11 @@ namespace kx20 {
 // its grey level (red 0.31, green 0.56, blue 0.13, truncated).
 void PaintPicturePreview(HWND window, HDC dcOrNull, const std::u16string& picturePath,
                          const RECT& frame, int frameId, bool grey, bool plainBackground);
+
+// The same for a picture file's bytes held in memory (a stored logo): they are written to the
+// temporary "bmp.bmp", painted from there and the file is removed. Empty bytes paint the
+// background only.
+void PaintPictureBytesPreview(HWND window, HDC dcOrNull, ByteSpan picture, const RECT& frame,
+                              int frameId, bool grey, bool plainBackground);
 
 }  // namespace kx20
