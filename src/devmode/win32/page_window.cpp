@@ -45,6 +45,24 @@ bool IsChecked(HWND dialog, int control) {
     return IsDlgButtonChecked(dialog, control) == BST_CHECKED;
 }
 
+namespace {
+
+BOOL CALLBACK LabelFromString(HWND control, LPARAM lParam) {
+    auto* ctx = reinterpret_cast<PageContext*>(lParam);
+    const int id = GetDlgCtrlID(control);
+    if (id > 0 && ctx->strings) {
+        if (auto text = ctx->strings->Load(static_cast<std::uint32_t>(id)))
+            SetWindowTextW(control, ToWide(*text).c_str());
+    }
+    return TRUE;
+}
+
+}  // namespace
+
+void LabelControlsFromStrings(HWND dialog, PageContext& ctx) {
+    EnumChildWindows(dialog, LabelFromString, reinterpret_cast<LPARAM>(&ctx));
+}
+
 void MarkChanged(HWND page) {
     SendMessageW(GetParent(page), PSM_CHANGED, reinterpret_cast<WPARAM>(page), 0);
 }
@@ -64,6 +82,12 @@ void ShowPageHelp(HWND page, const PageContext& ctx, DWORD topic) {
     if (ctx.helpPath.empty())
         return;
     WinHelpW(page, ToWide(ctx.helpPath).c_str(), HELP_CONTEXT, topic);
+}
+
+void ShowControlHelp(HWND control, const PageContext& ctx, DWORD topic) {
+    if (ctx.helpPath.empty() || topic == 0)
+        return;
+    WinHelpW(control, ToWide(ctx.helpPath).c_str(), HELP_CONTEXTPOPUP, topic);
 }
 
 }  // namespace kx20

@@ -30,6 +30,8 @@ int ListSelection(HWND dialog, int control);
 void EnableControl(HWND dialog, int control, bool enabled);
 void CheckControl(HWND dialog, int control, bool checked);
 bool IsChecked(HWND dialog, int control);
+// Sets each child control whose number is a string of the resource module to that string.
+void LabelControlsFromStrings(HWND dialog, PageContext& ctx);
 // Tells the sheet that the page has changes to apply.
 void MarkChanged(HWND page);
 
@@ -41,6 +43,8 @@ int PageTemplateId(const PROPSHEETPAGEW* description);
 
 // Opens the resource module's help file at a topic.
 void ShowPageHelp(HWND page, const PageContext& ctx, DWORD topic);
+// The pop-up help topic of a control (WM_HELP); nothing for topic 0.
+void ShowControlHelp(HWND control, const PageContext& ctx, DWORD topic);
 
 // What every page class offers the thunk:
 //   Page(HWND, PageContext&, const PROPSHEETPAGEW*)
@@ -89,7 +93,7 @@ INT_PTR RunPage(const char16_t* name, HWND hwnd, UINT message, WPARAM wParam, LP
                 case PSN_RESET:
                     return result(0);
                 default:
-                    return FALSE;
+                    break;  // the controls' own notifications go to the page
             }
         }
         LRESULT value = 0;

@@ -1,4 +1,4 @@
-// The device sheet's pages as they stand until each gets its own behaviour: the page keeps
+// The device sheet's pages that do not have their own behaviour yet: the page keeps
 // its context and shows its controls with their labels; nothing else is handled yet.
 #include "entry/win32/page_procs.h"
 
@@ -9,18 +9,6 @@ INT_PTR CALLBACK GuiLogosDlgProc(HWND page, UINT message, WPARAM, LPARAM lParam)
 }
 
 INT_PTR CALLBACK GuiMessagesDlgProc(HWND page, UINT message, WPARAM, LPARAM lParam) {
-    return ShellPage(page, message, lParam);
-}
-
-INT_PTR CALLBACK GuiFontsDlgProc(HWND page, UINT message, WPARAM, LPARAM lParam) {
-    return ShellPage(page, message, lParam);
-}
-
-INT_PTR CALLBACK GuiMaintenanceDlgProc(HWND page, UINT message, WPARAM, LPARAM lParam) {
-    return ShellPage(page, message, lParam);
-}
-
-INT_PTR CALLBACK GuiLogSettingsDlgProc(HWND page, UINT message, WPARAM, LPARAM lParam) {
     return ShellPage(page, message, lParam);
 }
 
