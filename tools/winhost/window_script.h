@@ -50,5 +50,7 @@ std::vector<std::wstring> SheetTabTitles(HWND sheet);
 // was written.
 bool SaveScreenshot(const std::wstring& name);
 std::wstring ScreenshotPath(const std::wstring& name);
+// Saves the client area of `window` (repainted first) as `name`.png in the same folder.
+bool SaveWindowScreenshot(HWND window, const std::wstring& name);
 
 }  // namespace kx20::winhost
