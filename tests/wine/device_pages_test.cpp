@@ -51,20 +51,23 @@ std::wstring TempFile(const wchar_t* name, const Bytes& content) {
 // Answers the message boxes that come, in order, with `answers`, and keeps their texts.
 struct BoxScript {
     std::vector<std::wstring> texts;
+    HWND answered = nullptr;
     std::unique_ptr<winhost::ModalDriver> driver;
 
     BoxScript(const std::wstring& title, std::vector<int> answers) {
         std::vector<winhost::ModalDriver::Step> steps;
         for (int answer : answers) {
+            // A box already answered may linger for a tick: only a new one is answered.
             steps.push_back([this, answer](HWND box) {
+                if (box == answered)
+                    return false;
+                answered = box;
                 wchar_t text[1024] = {};
                 GetDlgItemTextW(box, 0xFFFF, text, 1024);
                 texts.emplace_back(text);
                 PostMessageW(box, WM_COMMAND, answer, 0);
                 return true;
             });
-            // The next box is another window: wait until this one has gone.
-            steps.push_back([](HWND box) { return !IsWindow(box); });
         }
         driver = std::make_unique<winhost::ModalDriver>(
             [title] { return winhost::FindThreadDialog(title); }, std::move(steps));
@@ -221,7 +224,7 @@ TEST_F(DevicePagesSheet, ModelNineWithoutDoubleByteMemoryRefusesTheSwitch) {
     EXPECT_FALSE(Enabled(fonts, IDC_DBCS_IMPACT_LOAD));
 }
 
-TEST_F(DevicePagesSheet, FirmwareForAnotherModelIsRefused) {
+TEST_F(DevicePagesSheet, InvalidFirmwareIsRefusedAndAValidOneIsFlashed) {
     const std::wstring wrong =
         TempFile(L"kx20-model4.bin", testfiles::FirmwareFile(0x5A, 1, 1, 256));
     const std::wstring right =
@@ -236,7 +239,14 @@ TEST_F(DevicePagesSheet, FirmwareForAnotherModelIsRefused) {
     EXPECT_NE(sim_.Describe().find(L"0 firmware updates"), std::wstring::npos);
 
     SetDlgItemTextW(page, IDC_FIRMWARE_PATH, right.c_str());
-    EXPECT_EQ(Text(page, IDC_FIRMWARE_PATH), right);
+    BoxScript boxes(String(2220), {IDYES, IDOK});
+    Click(page, IDC_FIRMWARE_UPDATE);
+    ASSERT_EQ(boxes.texts.size(), 2u);
+    EXPECT_NE(boxes.texts[0].find(L"41"), std::wstring::npos) << "the file's level";
+    const std::wstring state = sim_.Describe();
+    EXPECT_NE(state.find(L"1 firmware updates"), std::wstring::npos);
+    EXPECT_NE(state.find(L"firmware: 0x41"), std::wstring::npos);
+    EXPECT_EQ(Text(page, IDC_FIRMWARE_PATH), L"");
     DeleteFileW(wrong.c_str());
     DeleteFileW(right.c_str());
 }
