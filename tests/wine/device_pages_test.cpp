@@ -34,6 +34,14 @@ constexpr char16_t kPrinter[] = u"KX20";
 constexpr int kFontsPage = 0;
 constexpr int kMaintenancePage = 1;
 constexpr int kLogSettingsPage = 2;
+// The explorer-style open dialog's file name box: a combo box on Windows, an edit in Wine.
+constexpr int kFileNameBoxes[] = {0x47C, 0x480};
+
+void ChooseInFileDialog(HWND dialog, const std::wstring& path) {
+    for (int box : kFileNameBoxes) SetDlgItemTextW(dialog, box, path.c_str());
+    PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+}
+
 std::wstring TempFile(const wchar_t* name, const Bytes& content) {
     wchar_t folder[MAX_PATH] = {};
     GetTempPathW(MAX_PATH, folder);
@@ -232,6 +240,27 @@ TEST_F(DevicePagesSheet, InvalidFirmwareIsRefusedAndAValidOneIsFlashed) {
     Open();
     HWND page = Show(kMaintenancePage);
     Screenshot(L"maintenance");
+
+    // The file dialog's hook keeps the dialog open on the file for another model.
+    int refused = 0;
+    HWND firstTry = nullptr;
+    winhost::ModalDriver dialog([this] { return winhost::FindThreadDialog(String(2171)); },
+                                {[&](HWND d) {
+                                     firstTry = d;
+                                     ChooseInFileDialog(d, wrong);
+                                     return true;
+                                 },
+                                 [&](HWND d) {
+                                     if (d != firstTry || !IsWindowVisible(d))
+                                         return false;
+                                     ++refused;
+                                     ChooseInFileDialog(d, right);
+                                     return true;
+                                 }});
+    Click(page, IDC_FIRMWARE_BROWSE);
+    EXPECT_TRUE(dialog.Finished());
+    EXPECT_EQ(refused, 1);
+    EXPECT_EQ(Text(page, IDC_FIRMWARE_PATH), right);
 
     // The file for another model: the update asks nothing and sends nothing.
     SetDlgItemTextW(page, IDC_FIRMWARE_PATH, wrong.c_str());
