@@ -162,6 +162,9 @@ class DevicePagesSheet : public ::testing::Test {
     }
     std::wstring String(std::uint32_t id) { return ToWide(strings_->Load(id).value_or(u"")); }
     void Screenshot(const std::wstring& name) {
+        // Painted and pumped first: the display gets the window's surface when the queue idles.
+        RedrawWindow(sheet_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        Pump();
         EXPECT_TRUE(winhost::SaveWindowScreenshot(sheet_, name)) << "no screenshot";
     }
     std::uint32_t LogSettings() {
