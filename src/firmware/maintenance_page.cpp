@@ -45,19 +45,23 @@ void MaintenancePageModel::Open() {
     const std::u16string port = store::PrinterPortName(p, context_.printerName);
     store::ConnectionStatus status;
     if (!store::GetConnectionStatus(p, port, status)) {
-        status_ = PrinterStatusText(*context_.strings, nullptr);
-        for (int id : {kIdFileLabel, kIdFilePath, kIdBrowse, kIdUpdate, kIdLastPrinter,
-                       kIdMaintenance, kIdClearAll}) {
-            enabled_[id] = false;
-        }
-        lastPrinter_ = false;
-        focus_ = kIdAbout;
+        OnConnectionLost();
         return;
     }
     lastPrinter_ = store::GetLastPrinterFlag(p, port);
     // The maintenance command is not offered while the port's last-printer flag is set.
     enabled_[kIdMaintenance] = !lastPrinter_;
     status_ = PrinterStatusText(*context_.strings, &status);
+}
+
+void MaintenancePageModel::OnConnectionLost() {
+    status_ = PrinterStatusText(*context_.strings, nullptr);
+    for (int id : {kIdFileLabel, kIdFilePath, kIdBrowse, kIdUpdate, kIdLastPrinter, kIdMaintenance,
+                   kIdClearAll}) {
+        enabled_[id] = false;
+    }
+    lastPrinter_ = false;
+    focus_ = kIdAbout;
 }
 
 void MaintenancePageModel::Browse(const FileChooser& choose) {

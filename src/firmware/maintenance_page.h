@@ -36,6 +36,9 @@ class MaintenancePageModel {
     MaintenancePageModel(PageContext& context, WindowId page);
 
     void Open();
+    // No printer to work with (also when it goes away while the page is open): only the About
+    // button stays usable.
+    void OnConnectionLost();
     // 1192: the file dialog; its hook checks the file against the printer.
     void Browse(const FileChooser& choose);
     // What the user typed into 1191.

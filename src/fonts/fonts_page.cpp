@@ -103,9 +103,7 @@ void FontsPageModel::Open() {
     enabled_.clear();
     store::ConnectionStatus status;
     if (!ReadStatus(context_, status) || status.firmwareLevel == 0) {
-        names_ = FontNames{};
-        status_ = PrinterStatusText(*context_.strings, nullptr);
-        SetEnabled(kIdSlot1Label, kIdImpactLoad, false);
+        OnConnectionLost();
         return;
     }
     ReconcileSingleByte(status);
@@ -136,6 +134,13 @@ void FontsPageModel::Open() {
             break;
     }
     status_ = PrinterStatusText(*context_.strings, &status);
+}
+
+void FontsPageModel::OnConnectionLost() {
+    dbcsChecked_ = false;
+    names_ = FontNames{};
+    status_ = PrinterStatusText(*context_.strings, nullptr);
+    SetEnabled(kIdSlot1Label, kIdImpactLoad, false);
 }
 
 void FontsPageModel::Refresh() {

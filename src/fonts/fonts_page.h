@@ -45,6 +45,9 @@ class FontsPageModel {
 
     // Opening, and again when the printer on the port has changed: reconcile, names, switches.
     void Open();
+    // The printer is no longer reachable: the names go, the printer controls are disabled and
+    // the status line tells why.
+    void OnConnectionLost();
     // "MSG_REFRESH_FONTS_KX20": reread the four names.
     void Refresh();
     // 1177 clicked; `nowChecked` is the box's new state.

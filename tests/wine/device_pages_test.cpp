@@ -277,6 +277,38 @@ TEST_F(DeviceSheet, DisconnectDisablesBothPagesAndAnotherPrinterRefillsThem) {
     EXPECT_EQ(PropSheet_GetCurrentPageHwnd(sheet_), nullptr) << "the sheet was not cancelled";
 }
 
+TEST_F(DeviceSheet, TheConnectionTimerDrivesEveryDevicePage) {
+    OpenSheet({kx20::GuiLogosDlgProc, kx20::GuiMessagesDlgProc, kx20::GuiFontsDlgProc,
+               kx20::GuiMaintenanceDlgProc, kx20::GuiLogSettingsDlgProc},
+              IDD_LOGOS_PAGE, L"KX20 Printer Properties", PSP_USETITLE | PSP_PREMATURE,
+              PSH_NOAPPLYNOW);
+    Pump();
+    constexpr int kFontsPage = 2, kMaintenancePage = 3, kLogSettingsPage = 4;
+    HWND fonts = Show(kFontsPage);
+    HWND maintenance = Show(kMaintenancePage);
+    HWND logSettings = Show(kLogSettingsPage);
+    Show(kLogosPage);
+    Ticks(2);
+    ASSERT_TRUE(Enabled(fonts, IDC_DBCS_ENABLE));
+    ASSERT_TRUE(Enabled(maintenance, IDC_CLEAR_ALL));
+
+    ASSERT_EQ(sim_.Control(L"disconnect"), 0u);
+    Ticks(3);
+    EXPECT_FALSE(Enabled(fonts, IDC_DBCS_ENABLE));
+    EXPECT_FALSE(Enabled(maintenance, IDC_CLEAR_ALL));
+    for (HWND page : {fonts, maintenance, logSettings})
+        EXPECT_EQ(Text(page, IDC_PRINTER_STATUS), String(2201));
+    EXPECT_TRUE(Enabled(logSettings, IDC_LOG_ENABLE)) << "the log switches need no printer";
+
+    ASSERT_EQ(sim_.Control(L"connect"), 0u);
+    Ticks(3);
+    EXPECT_TRUE(Enabled(fonts, IDC_DBCS_ENABLE));
+    EXPECT_TRUE(Enabled(maintenance, IDC_CLEAR_ALL));
+    for (HWND page : {fonts, maintenance, logSettings})
+        EXPECT_EQ(Text(page, IDC_PRINTER_STATUS), Text(Page(kLogosPage), IDC_PRINTER_STATUS));
+    EXPECT_EQ(boxes_.seen, 0) << Narrow(boxes_.text);
+}
+
 TEST_F(DeviceSheet, ConnectionTimerLeavesThePagesAloneWhileAFlowShowsAMessageBox) {
     Open();
     HWND logos = Page(kLogosPage);

@@ -17,6 +17,8 @@
 #include "platform/text.h"
 #include "platform/win32/win32_platform.h"
 #include "store/registry_layout.h"
+#include "tests/unit/font_file_generators.h"
+#include "tests/unit/test_pictures.h"
 #include "tools/winhost/driver_install.h"
 #include "tools/winhost/sim_control.h"
 #include "tools/winhost/window_script.h"
@@ -147,6 +149,34 @@ void ShowCapabilities() {
 }
 
 // The printer's property sheet as the printer-properties user interface opens it.
+// A picture and a double-byte font file made by the project's own generators, written to
+// samples\ beside the program; the sheet's file dialogs open there (the current directory).
+void WriteSamples() {
+    const std::wstring folder = kx20::winhost::ProgramFolder() + L"samples";
+    CreateDirectoryW(folder.c_str(), nullptr);
+    struct Sample {
+        const wchar_t* name;
+        kx20::Bytes content;
+    };
+    const Sample samples[] = {
+        {L"kx20-logo.bmp", kx20::testpics::Bmp24(kx20::testpics::PhotoLike(240, 96, 7))},
+        {L"kx20-dbcs.fon", kx20::testfiles::LargeFonFile(189, 32).Build()},
+    };
+    for (const Sample& sample : samples) {
+        const std::wstring path = folder + L"\\" + sample.name;
+        HANDLE h = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                               FILE_ATTRIBUTE_NORMAL, nullptr);
+        DWORD written = 0;
+        if (h != INVALID_HANDLE_VALUE) {
+            WriteFile(h, sample.content.data(), static_cast<DWORD>(sample.content.size()), &written,
+                      nullptr);
+            CloseHandle(h);
+        }
+        std::printf("  sample %ls (%lu bytes)\n", sample.name, static_cast<unsigned long>(written));
+    }
+    SetCurrentDirectoryW(folder.c_str());
+}
+
 int ShowDeviceSheet() {
     wchar_t folder[MAX_PATH] = {};
     DWORD needed = 0;
@@ -275,6 +305,7 @@ int wmain() {
     std::printf("%ls", sim.Describe().c_str());
 
     Section("The printer's property sheet (CommonPropertySheetUIW + DrvDevicePropertySheets)");
+    WriteSamples();
     const int sheet = ShowDeviceSheet();
     return rc == IDOK && size == 6004 && sheet == 0 ? 0 : 1;
 }

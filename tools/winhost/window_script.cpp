@@ -1,8 +1,8 @@
 #include "tools/winhost/window_script.h"
 
-#include <cstdio>
-
 #include <commctrl.h>
+
+#include <cstdio>
 
 #include "tools/winhost/driver_install.h"
 
@@ -116,7 +116,10 @@ std::wstring ScreenshotPath(const std::wstring& name) {
     return folder + L"\\" + name + L".png";
 }
 
-bool SaveScreenshot(const std::wstring& name, HWND window) {
+namespace {
+
+// Runs ImageMagick's import on the unix side; `crop` empty for the whole screen.
+bool Import(const std::wstring& name, const std::string& crop) {
     using UnixName = char*(CDECL*)(LPCWSTR);
     using Spawn = LONG(WINAPI*)(char* const*, int);
     auto unixName = reinterpret_cast<UnixName>(reinterpret_cast<void*>(
@@ -130,23 +133,31 @@ bool SaveScreenshot(const std::wstring& name, HWND window) {
     char* target = unixName(path.c_str());
     if (!target)
         return false;
-    char program[] = "import", windowFlag[] = "-window", root[] = "root", crop[] = "-crop";
-    char geometry[64] = {};
-    char* argv[] = {program, windowFlag, root, target, nullptr, nullptr, nullptr};
-    RECT r = {};
-    if (window && GetClientRect(window, &r)) {
-        // Only the window's client area (with no window manager on the display nobody draws
-        // the frame): its rectangle cut out of the screen.
-        MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&r), 2);
-        std::snprintf(geometry, sizeof geometry, "%ldx%ld+%ld+%ld", r.right - r.left,
-                      r.bottom - r.top, r.left, r.top);
-        argv[3] = crop;
-        argv[4] = geometry;
-        argv[5] = target;
-    }
-    const LONG status = spawn(argv, TRUE);
+    char program[] = "import", window[] = "-window", root[] = "root", cropFlag[] = "-crop";
+    std::string area = crop;
+    char* whole[] = {program, window, root, target, nullptr};
+    char* cropped[] = {program, window, root, cropFlag, area.data(), target, nullptr};
+    const LONG status = spawn(crop.empty() ? whole : cropped, TRUE);
     HeapFree(GetProcessHeap(), 0, target);
     return status == 0 && GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+}  // namespace
+
+bool SaveScreenshot(const std::wstring& name, HWND window) {
+    return window ? SaveWindowScreenshot(window, name) : Import(name, {});
+}
+
+bool SaveWindowScreenshot(HWND window, const std::wstring& name) {
+    RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+    RECT r;
+    GetClientRect(window, &r);
+    MapWindowPoints(window, nullptr, reinterpret_cast<POINT*>(&r), 2);
+    char crop[64];
+    snprintf(crop, sizeof crop, "%ldx%ld+%ld+%ld", static_cast<long>(r.right - r.left),
+             static_cast<long>(r.bottom - r.top), static_cast<long>(r.left),
+             static_cast<long>(r.top));
+    return Import(name, crop);
 }
 
 }  // namespace kx20::winhost

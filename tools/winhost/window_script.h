@@ -46,9 +46,11 @@ HWND FindThreadPropertySheet();
 // The tab titles of a property sheet, in order.
 std::vector<std::wstring> SheetTabTitles(HWND sheet);
 
-// Saves the whole screen, or only the client area of `window` when one is given, as `name`.png in
-// the build's screenshots folder; true when the file was written.
+// Saves the whole screen, or only the client area of `window` when one is given, as `name`.png
+// in the build's screenshots folder; true when the file was written.
 bool SaveScreenshot(const std::wstring& name, HWND window = nullptr);
 std::wstring ScreenshotPath(const std::wstring& name);
+// Saves the client area of `window` (repainted first) as `name`.png in the same folder.
+bool SaveWindowScreenshot(HWND window, const std::wstring& name);
 
 }  // namespace kx20::winhost

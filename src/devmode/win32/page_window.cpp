@@ -45,6 +45,24 @@ bool IsChecked(HWND dialog, int control) {
     return IsDlgButtonChecked(dialog, control) == BST_CHECKED;
 }
 
+namespace {
+
+BOOL CALLBACK LabelFromString(HWND control, LPARAM lParam) {
+    auto* ctx = reinterpret_cast<PageContext*>(lParam);
+    const int id = GetDlgCtrlID(control);
+    if (id > 0 && ctx->strings) {
+        if (auto text = ctx->strings->Load(static_cast<std::uint32_t>(id)))
+            SetWindowTextW(control, ToWide(*text).c_str());
+    }
+    return TRUE;
+}
+
+}  // namespace
+
+void LabelControlsFromStrings(HWND dialog, PageContext& ctx) {
+    EnumChildWindows(dialog, LabelFromString, reinterpret_cast<LPARAM>(&ctx));
+}
+
 void MarkChanged(HWND page) {
     SendMessageW(GetParent(page), PSM_CHANGED, reinterpret_cast<WPARAM>(page), 0);
 }
@@ -77,6 +95,12 @@ void ShowPageOrControlHelp(HWND page, const PageContext& ctx, DWORD pageTopic, c
     }
     WinHelpW(static_cast<HWND>(info.hItemHandle), ToWide(ctx.helpPath).c_str(), HELP_WM_HELP,
              reinterpret_cast<ULONG_PTR>(controlTopics));
+}
+
+void ShowControlHelp(HWND control, const PageContext& ctx, DWORD topic) {
+    if (ctx.helpPath.empty() || topic == 0)
+        return;
+    WinHelpW(control, ToWide(ctx.helpPath).c_str(), HELP_CONTEXTPOPUP, topic);
 }
 
 }  // namespace kx20

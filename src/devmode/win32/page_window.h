@@ -30,6 +30,8 @@ int ListSelection(HWND dialog, int control);
 void EnableControl(HWND dialog, int control, bool enabled);
 void CheckControl(HWND dialog, int control, bool checked);
 bool IsChecked(HWND dialog, int control);
+// Sets each child control whose number is a string of the resource module to that string.
+void LabelControlsFromStrings(HWND dialog, PageContext& ctx);
 // Tells the sheet that the page has changes to apply.
 void MarkChanged(HWND page);
 
@@ -45,6 +47,8 @@ void ShowPageHelp(HWND page, const PageContext& ctx, DWORD topic);
 // `controlTopics` (control id, topic pairs ending with 0, 0). Nothing without a help file.
 void ShowPageOrControlHelp(HWND page, const PageContext& ctx, DWORD pageTopic, const HELPINFO& info,
                            const DWORD* controlTopics);
+// The pop-up help topic of a control (WM_HELP); nothing for topic 0.
+void ShowControlHelp(HWND control, const PageContext& ctx, DWORD topic);
 
 // What every page class offers the thunk:
 //   Page(HWND, PageContext&, const PROPSHEETPAGEW*)

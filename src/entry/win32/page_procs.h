@@ -24,14 +24,4 @@ INT_PTR CALLBACK GuiLogSettingsDlgProc(HWND, UINT, WPARAM, LPARAM);  // 1011
 // The procedure of the page with this template number; null for a number not in the table.
 DLGPROC PageDialogProc(std::uint32_t templateId);
 
-// What every page does first on WM_INITDIALOG: keeps the page context (the page's
-// parameter) as the window's data and sets each control whose number is a string of the
-// resource module to that string. Answers the context.
-struct PageContext;
-PageContext* InitPage(HWND page, LPARAM lParam);
-PageContext* PageContextOf(HWND page);
-
-// A page that does no more than that yet: initialises, and handles nothing else.
-INT_PTR ShellPage(HWND page, UINT message, LPARAM lParam);
-
 }  // namespace kx20

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "devmode/win32/page_window.h"
 #include "entry/page_context.h"
 #include "entry/property_sheets.h"
 #include "platform/win32/win32_text.h"
@@ -41,16 +42,6 @@ constexpr bool CoversAll() {
 }
 static_assert(CoversAll(), "every page of both sheets has a dialog procedure");
 
-BOOL CALLBACK LabelControl(HWND control, LPARAM lParam) {
-    auto* context = reinterpret_cast<PageContext*>(lParam);
-    const int id = GetDlgCtrlID(control);
-    if (id > 0 && context->strings) {
-        if (auto text = context->strings->Load(static_cast<std::uint32_t>(id)))
-            SetWindowTextW(control, ToWide(*text).c_str());
-    }
-    return TRUE;
-}
-
 }  // namespace
 
 DLGPROC PageDialogProc(std::uint32_t templateId) {
@@ -58,27 +49,6 @@ DLGPROC PageDialogProc(std::uint32_t templateId) {
         if (p.id == templateId)
             return p.proc;
     return nullptr;
-}
-
-PageContext* InitPage(HWND page, LPARAM lParam) {
-    auto* sheetPage = reinterpret_cast<PROPSHEETPAGEW*>(lParam);
-    auto* context = sheetPage ? reinterpret_cast<PageContext*>(sheetPage->lParam) : nullptr;
-    SetWindowLongPtrW(page, DWLP_USER, reinterpret_cast<LONG_PTR>(context));
-    if (context)
-        EnumChildWindows(page, LabelControl, reinterpret_cast<LPARAM>(context));
-    return context;
-}
-
-INT_PTR ShellPage(HWND page, UINT message, LPARAM lParam) {
-    if (message == WM_INITDIALOG) {
-        InitPage(page, lParam);
-        return TRUE;
-    }
-    return FALSE;
-}
-
-PageContext* PageContextOf(HWND page) {
-    return reinterpret_cast<PageContext*>(GetWindowLongPtrW(page, DWLP_USER));
 }
 
 }  // namespace kx20

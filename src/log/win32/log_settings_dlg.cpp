@@ -1,0 +1,151 @@
+// GuiLogSettingsDlgProc: the log settings page (1011) over its model. The wrap-size edit is
+// subclassed: it selects its text when it gets the focus and clamps the number when it loses
+// it. The page takes the status-only entry of the shared device-page record so that the
+// connection timer keeps its status line current.
+#include "platform/win32/windows_clean.h"
+
+#include <commctrl.h>
+
+#include "devmode/win32/page_window.h"
+#include "entry/win32/page_procs.h"
+#include "log/log_settings_page.h"
+#include "logos/device_pages.h"
+#include "platform/win32/win32_file_dialogs.h"
+
+namespace kx20 {
+
+namespace {
+
+using namespace logs;
+
+constexpr UINT_PTR kWrapSubclassId = 1;
+constexpr int kCheckBoxes[] = {control::kLoggingOn, control::kApiLog, control::kPrintingLog,
+                               control::kPortIOLog, control::kRestoreCfgLog};
+
+class LogSettingsDialog : public DevicePage {
+  public:
+    LogSettingsDialog(HWND hwnd, PageContext& ctx, const PROPSHEETPAGEW*)
+        : hwnd_(hwnd), ctx_(ctx), model_(*ctx.platform, *ctx.strings, ctx.printerName) {}
+
+    ~LogSettingsDialog() override {
+        RemoveWindowSubclass(GetDlgItem(hwnd_, control::kWrapSize), WrapEditProc, kWrapSubclassId);
+        if (ctx_.devicePages)
+            ctx_.devicePages->Detach(this);
+    }
+
+    void OnInit() {
+        LabelControlsFromStrings(hwnd_, ctx_);
+        HWND edit = GetDlgItem(hwnd_, control::kWrapSize);
+        SetWindowSubclass(edit, WrapEditProc, kWrapSubclassId, reinterpret_cast<DWORD_PTR>(this));
+        SendMessageW(edit, EM_LIMITTEXT, kWrapSizeChars, 0);
+        model_.Open();
+        for (int box : kCheckBoxes) CheckControl(hwnd_, box, model_.Checked(box));
+        SetControlText(hwnd_, control::kFolder, model_.Folder());
+        ShowWrapText();
+        ShowEnablement();
+        SetControlText(hwnd_, control::kStatus, model_.StatusText());
+        if (ctx_.devicePages)
+            ctx_.devicePages->Attach(DevicePageSlot::StatusOnly, this);
+    }
+    void OnApply() {}
+    void ShowHelp() { ShowPageHelp(hwnd_, ctx_, kPageHelpContext); }
+
+    bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+        switch (message) {
+            case WM_COMMAND:
+                OnCommand(LOWORD(wParam), HIWORD(wParam));
+                return false;
+            case WM_NOTIFY: {
+                const auto* header = reinterpret_cast<const NMHDR*>(lParam);
+                if (header->idFrom != control::kWrapSpin || header->code != UDN_DELTAPOS)
+                    return false;
+                OnStep(reinterpret_cast<const NMUPDOWN*>(lParam)->iDelta);
+                result = TRUE;  // the number is the page's, not the up-down's
+                return true;
+            }
+            case WM_HELP: {
+                const auto* info = reinterpret_cast<const HELPINFO*>(lParam);
+                ShowControlHelp(static_cast<HWND>(info->hItemHandle), ctx_,
+                                HelpContextOf(info->iCtrlId));
+                result = TRUE;
+                return true;
+            }
+            default:
+                return false;
+        }
+    }
+
+    // DevicePage.
+    void SetStatusText(std::u16string_view text) override {
+        SetControlText(hwnd_, control::kStatus, text);
+    }
+
+  private:
+    static LRESULT CALLBACK WrapEditProc(HWND edit, UINT message, WPARAM wParam, LPARAM lParam,
+                                         UINT_PTR, DWORD_PTR data) {
+        auto* page = reinterpret_cast<LogSettingsDialog*>(data);
+        const LRESULT answer = DefSubclassProc(edit, message, wParam, lParam);
+        if (message == WM_SETFOCUS) {
+            SendMessageW(edit, EM_SETSEL, 0, -1);
+        } else if (message == WM_KILLFOCUS) {
+            page->model_.WrapFocusLost();
+            page->ShowWrapText();
+        }
+        return answer;
+    }
+
+    void OnCommand(int id, int code) {
+        if (id == control::kWrapSize && code == EN_CHANGE) {
+            model_.WrapTextChanged(ControlText(hwnd_, control::kWrapSize));
+            return;
+        }
+        if (code != BN_CLICKED)
+            return;
+        if (id == control::kBrowse) {
+            const bool stored =
+                model_.Browse([this](std::u16string_view title, std::u16string_view start) {
+                    return BrowseForFolder(hwnd_, title, start, kBrowseFlags);
+                });
+            if (stored)
+                SetControlText(hwnd_, control::kFolder, model_.Folder());
+            return;
+        }
+        for (int box : kCheckBoxes) {
+            if (box != id)
+                continue;
+            model_.Click(id, IsChecked(hwnd_, id));
+            ShowEnablement();
+        }
+    }
+
+    void OnStep(int delta) {
+        if (!model_.Step(delta))
+            return;
+        ShowWrapText();
+        HWND edit = GetDlgItem(hwnd_, control::kWrapSize);
+        SetFocus(edit);
+        SendMessageW(edit, EM_SETSEL, 0, -1);
+    }
+
+    void ShowWrapText() {
+        if (ControlText(hwnd_, control::kWrapSize) != model_.WrapText())
+            SetControlText(hwnd_, control::kWrapSize, model_.WrapText());
+    }
+
+    void ShowEnablement() {
+        for (int id = control::kFolderLabel; id <= control::kWrapUnit; ++id)
+            EnableControl(hwnd_, id, model_.Enabled(id));
+    }
+
+    HWND hwnd_;
+    PageContext& ctx_;
+    LogSettingsPage model_;
+};
+
+}  // namespace
+
+INT_PTR CALLBACK GuiLogSettingsDlgProc(HWND page, UINT message, WPARAM wParam, LPARAM lParam) {
+    return RunPage<LogSettingsDialog>(u"GuiLogSettingsDlgProc", page, message, wParam, lParam);
+}
+
+}  // namespace kx20
