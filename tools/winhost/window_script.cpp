@@ -119,7 +119,17 @@ std::wstring ScreenshotPath(const std::wstring& name) {
 namespace {
 
 // Runs ImageMagick's import on the unix side; `crop` empty for the whole screen.
+// Wine paints windows into surfaces that reach the X display when the thread waits for
+// messages (at most one flush every 50 ms): wait a few rounds so the picture shows what was
+// painted.
+void SettleDisplay() {
+    GdiFlush();
+    for (int i = 0; i < 3; ++i)
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, 60, QS_PAINT);
+}
+
 bool Import(const std::wstring& name, const std::string& crop) {
+    SettleDisplay();
     using UnixName = char*(CDECL*)(LPCWSTR);
     using Spawn = LONG(WINAPI*)(char* const*, int);
     auto unixName = reinterpret_cast<UnixName>(reinterpret_cast<void*>(
