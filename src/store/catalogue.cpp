@@ -38,6 +38,16 @@ bool AttachedIdentity(Platform& p, std::u16string_view printerName, std::u16stri
     return true;
 }
 
+// The attached printer's identity and the catalogue key `open` opens for it; null when the
+// printer has no identity now or the key cannot be opened.
+std::unique_ptr<RegistryKey> OpenAttachedKey(
+    Platform& p, std::u16string_view printerName,
+    std::unique_ptr<RegistryKey> (*open)(Platform&, std::u16string_view), std::u16string& id) {
+    if (!AttachedIdentity(p, printerName, id))
+        return nullptr;
+    return open(p, printerName);
+}
+
 // Calls `visit` with each readable value name of the key in index order until it answers true.
 template <class Visit>
 void ForEachValueName(RegistryKey& key, Visit visit) {
@@ -267,9 +277,7 @@ std::uint32_t GetSBCSFontSlot(Platform& p, std::u16string_view printerName,
 bool GetDBCSFontName(Platform& p, std::u16string_view printerName, bool thermal,
                      std::u16string& name) {
     std::u16string id;
-    if (!AttachedIdentity(p, printerName, id))
-        return false;
-    auto key = OpenFontsKey(p, printerName);
+    auto key = OpenAttachedKey(p, printerName, OpenFontsKey, id);
     if (!key)
         return false;
     const std::u16string tag = TaggedName(u"", kDbcsFontTag) + (thermal ? u"1" : u"0");
@@ -290,9 +298,7 @@ bool GetDBCSFontName(Platform& p, std::u16string_view printerName, bool thermal,
 bool GetSBCSFontName(Platform& p, std::u16string_view printerName, std::uint32_t number,
                      std::u16string& name) {
     std::u16string id;
-    if (!AttachedIdentity(p, printerName, id))
-        return false;
-    auto key = OpenFontsKey(p, printerName);
+    auto key = OpenAttachedKey(p, printerName, OpenFontsKey, id);
     if (!key)
         return false;
     auto record = ReadValueBytes(*key, SbcsFontValueName(id, number));
@@ -304,9 +310,7 @@ bool GetSBCSFontName(Platform& p, std::u16string_view printerName, std::uint32_t
 
 bool GetDownloadedSBCSFontName(Platform& p, std::u16string_view printerName, std::u16string& name) {
     std::u16string id;
-    if (!AttachedIdentity(p, printerName, id))
-        return false;
-    auto key = OpenFontsKey(p, printerName);
+    auto key = OpenAttachedKey(p, printerName, OpenFontsKey, id);
     if (!key)
         return false;
     bool found = false;
@@ -326,9 +330,7 @@ bool GetDownloadedSBCSFontName(Platform& p, std::u16string_view printerName, std
 bool GetMessageText(Platform& p, std::u16string_view printerName, std::uint32_t number,
                     std::u16string& text) {
     std::u16string id;
-    if (!AttachedIdentity(p, printerName, id))
-        return false;
-    auto key = OpenMessagesKey(p, printerName);
+    auto key = OpenAttachedKey(p, printerName, OpenMessagesKey, id);
     if (!key)
         return false;
     bool found = false;
