@@ -22,6 +22,7 @@
 #include "platform/win32/win32_text.h"
 #include "store/registry_layout.h"
 #include "tests/unit/font_file_generators.h"
+#include "tests/wine/modeless_sheet.h"
 #include "tests/wine/wine_environment.h"
 #include "tools/winhost/driver_install.h"
 #include "tools/winhost/sim_control.h"
@@ -82,7 +83,7 @@ struct BoxScript {
     }
 };
 
-class DevicePagesSheet : public ::testing::Test {
+class DevicePagesSheet : public ModelessSheetTest {
   protected:
     void SetUp() override {
         ASSERT_TRUE(sim_.Loaded());
@@ -98,9 +99,7 @@ class DevicePagesSheet : public ::testing::Test {
     }
 
     void TearDown() override {
-        if (sheet_)
-            DestroyWindow(sheet_);
-        Pump();
+        CloseSheet();
         if (resources_)
             FreeLibrary(resources_);
         sim_.Control(L"reset");
@@ -130,35 +129,11 @@ class DevicePagesSheet : public ::testing::Test {
         Pump();
     }
 
-    void Pump() {
-        MSG msg;
-        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-            if (sheet_ && PropSheet_IsDialogMessage(sheet_, &msg))
-                continue;
-            TranslateMessage(&msg);
-            DispatchMessageW(&msg);
-        }
-    }
-
-    HWND Show(int index) {
-        SendMessageW(sheet_, PSM_SETCURSEL, index, 0);
-        Pump();
-        return reinterpret_cast<HWND>(SendMessageW(sheet_, PSM_INDEXTOHWND, index, 0));
-    }
-    void Click(HWND page, int control) {
-        SendDlgItemMessageW(page, control, BM_CLICK, 0, 0);
-        Pump();
-    }
     static bool Enabled(HWND page, int control) {
         return IsWindowEnabled(GetDlgItem(page, control)) != FALSE;
     }
     static bool Checked(HWND page, int control) {
         return IsDlgButtonChecked(page, control) == BST_CHECKED;
-    }
-    static std::wstring Text(HWND page, int control) {
-        wchar_t buf[MAX_PATH + 1] = {};
-        GetDlgItemTextW(page, control, buf, MAX_PATH + 1);
-        return buf;
     }
     std::wstring String(std::uint32_t id) { return ToWide(strings_->Load(id).value_or(u"")); }
     void Screenshot(const std::wstring& name) {
@@ -179,7 +154,6 @@ class DevicePagesSheet : public ::testing::Test {
     HMODULE resources_ = nullptr;
     std::unique_ptr<Win32ResourceStrings> strings_;
     PageContext ctx_;
-    HWND sheet_ = nullptr;
 };
 
 TEST_F(DevicePagesSheet, DoubleByteSwitchFollowsTheModelCode) {
