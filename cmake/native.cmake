@@ -50,3 +50,7 @@ if(KX20_BENCH)
     target_compile_options(kx20_bench PRIVATE ${KX20_WARNINGS})
   endif()
 endif()
+
+# Each room of src/ includes only the rooms below it.
+add_test(NAME include_layers
+         COMMAND ${CMAKE_SOURCE_DIR}/tests/layers/check_layers.sh ${CMAKE_SOURCE_DIR}/src)

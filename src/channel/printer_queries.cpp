@@ -4,7 +4,7 @@
 #include <span>
 
 #include "channel/command_transport.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/bytes.h"
 #include "store/registry_layout.h"
 

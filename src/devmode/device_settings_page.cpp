@@ -3,7 +3,7 @@
 #include "channel/printer_queries.h"
 #include "devmode/roll_papers.h"
 #include "ids_document_pages.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/format.h"
 #include "platform/prompts.h"
 #include "store/catalogue.h"
@@ -55,8 +55,8 @@ void DeviceSettingsPageModel::Init(ApplyState& shared) {
     station_ =
         ReadU32(priv, kPrivBReceiptStation) != 0 ? kReceiptStationEntry : kDocumentStationEntry;
     std::int16_t paperId = 0;
-    if (ctx_.docDevMode)
-        paperId = ReadDmShort(*ctx_.docDevMode, kOffDmPaperSize);
+    if (!ctx_.docDevMode.empty())
+        paperId = ReadDmShort(ctx_.docDevMode, kOffDmPaperSize);
     const int row = RollPaperRow(paperId);
     paperRow_ = row < 0 ? kDefaultRollPaperRow : row;
     appliedPaperRow_ = paperRow_;
@@ -102,8 +102,8 @@ EraseOutcome DeviceSettingsPageModel::Apply(WindowId owner, ApplyState& shared) 
     const bool receipt = station_ == kReceiptStationEntry;
     const RollPaper& paper = RollPapers()[static_cast<std::size_t>(paperRow_)];
     WriteU32(PagePrivatePart(ctx_), kPrivBReceiptStation, receipt ? 1 : 0);
-    if (ctx_.docDevMode) {
-        MutableByteSpan record(*ctx_.docDevMode);
+    if (!ctx_.docDevMode.empty()) {
+        MutableByteSpan record = ctx_.docDevMode;
         WriteDmShort(record, kOffDmPaperSize, paper.paperId);
         WriteU32(record, kOffDmFields, ReadU32(record, kOffDmFields) | kDmPaperSize);
     }

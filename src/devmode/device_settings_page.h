@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "devmode/apply_state.h"
+#include "pages/apply_state.h"
 #include "devmode/document_page.h"
-#include "entry/page_context.h"
+#include "pages/page_context.h"
 
 namespace kx20 {
 

@@ -1,6 +1,6 @@
 #include "devmode/devmode.h"
 
-#include "log/trace.h"
+#include "platform/trace.h"
 
 namespace kx20 {
 

@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "entry/page_context.h"
+#include "devmode/devmode.h"
+#include "pages/page_context.h"
+#include "pages/page_text.h"
 #include "platform/bytes.h"
 
 namespace kx20 {
@@ -64,21 +66,9 @@ inline constexpr std::uint32_t kDensity0 = 3045;  // list 1079: 3045..3049
 inline constexpr std::size_t kDensityCount = 5;
 }  // namespace docstr
 
-// A control and the string that labels it.
-struct PageLabel {
-    int control;
-    std::uint32_t stringId;
-};
-
 // The private part of the sheet's page copy: at the record's own dmSize when the 5784 bytes
 // fit there, else at 220. Empty when the context has no page copy.
 MutableByteSpan PagePrivatePart(PageContext& ctx);
-
-// A string of the resource module, at most 255 characters; empty when it is missing.
-std::u16string PageString(PageContext& ctx, std::uint32_t id);
-
-// The strings `first`, `first + 1`, ... `first + count - 1`.
-std::vector<std::u16string> PageStrings(PageContext& ctx, std::uint32_t first, std::size_t count);
 
 // The index of `text` in `entries`, or -1.
 int IndexOf(const std::vector<std::u16string>& entries, std::u16string_view text);

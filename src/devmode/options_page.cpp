@@ -1,7 +1,7 @@
 #include "devmode/options_page.h"
 
 #include "ids_document_pages.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/format.h"
 #include "store/catalogue.h"
 #include "store/registry_layout.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/text.h"
 
 namespace kx20 {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "ids_document_pages.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/format.h"
 #include "store/registry_layout.h"
 

@@ -22,7 +22,7 @@
 #include <vector>
 
 #include "devmode/document_page.h"
-#include "entry/page_context.h"
+#include "pages/page_context.h"
 #include "store/catalogue.h"
 
 namespace kx20 {

@@ -5,7 +5,7 @@
 #include "devmode/devmode.h"
 #include "devmode/printer_settings.h"
 #include "entry/resource_module.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 
 namespace kx20 {
 

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "devmode/devmode.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/format.h"
 
 namespace kx20 {

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "devmode/printer_settings.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/spooler.h"
 
 namespace kx20 {

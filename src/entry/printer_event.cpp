@@ -6,7 +6,7 @@
 #include "channel/printer_queries.h"
 #include "devmode/devmode.h"
 #include "devmode/printer_settings.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/registry.h"
 #include "store/catalogue.h"
 #include "store/registry_layout.h"

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "entry/document_properties.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "store/registry_layout.h"
 
 namespace kx20 {
@@ -79,7 +79,7 @@ PageDescription DescribePage(PageContext& context, std::uint32_t id) {
     if (context.strings)
         page.title = context.strings->Load(id).value_or(u"");
     page.flags = kPageFlags;
-    page.instance = context.resources ? context.resources->Id() : 0;
+    page.instance = context.resourceModule;
     page.parameter = reinterpret_cast<std::uintptr_t>(&context);
     return page;
 }
@@ -124,7 +124,7 @@ void PageAdder::AddAll(std::span<const std::uint32_t> ids) {
     for (std::uint32_t id : ids) Add(id);
 }
 
-std::unique_ptr<PageContext> OpenSheetContext(const SheetPorts& ports,
+std::unique_ptr<SheetContext> OpenSheetContext(const SheetPorts& ports,
                                               std::u16string_view printerName) {
     auto settings =
         std::make_unique<PrinterSettings>(ports.platform, printerName, kPrinterAllAccess);
@@ -133,7 +133,7 @@ std::unique_ptr<PageContext> OpenSheetContext(const SheetPorts& ports,
     const PrinterInfo* info = settings->PrinterInformation(2);
     if (!info)
         return nullptr;
-    auto context = std::make_unique<PageContext>();
+    auto context = std::make_unique<SheetContext>();
     context->platform = &ports.platform;
     context->prompts = &ports.prompts;
     context->pictures = ports.pictures;
@@ -142,6 +142,7 @@ std::unique_ptr<PageContext> OpenSheetContext(const SheetPorts& ports,
     context->resources = std::make_unique<ResourceModule>(ports.system, *settings);
     context->strings = &context->resources->Strings();
     context->helpPath = context->resources->HelpPath();
+    context->resourceModule = context->resources->Id();
     context->port = ReadPortSummary(ports.platform, printerName);
     context->settings = std::move(settings);
     return context;
@@ -167,7 +168,7 @@ std::int32_t DevicePropertySheets(const SheetPorts& ports, const SheetCall& call
 namespace {
 
 // The page copy into the caller's output record, unless they are the same memory.
-void ReturnPageCopy(const PageContext& context, MutableByteSpan out) {
+void ReturnPageCopy(const SheetContext& context, MutableByteSpan out) {
     if (!out.empty() && static_cast<const void*>(context.pageCopy.data()) !=
                             static_cast<const void*>(out.data()))
         CopySheetResult(context.pageCopy, out);
@@ -210,9 +211,9 @@ std::int32_t DocumentPropertySheets(const SheetPorts& ports, const SheetCall& ca
     }
 }
 
-void InitialisePageCopy(PageContext& context, ByteSpan in, std::uint32_t mode) {
+void InitialisePageCopy(SheetContext& context, ByteSpan in, std::uint32_t mode) {
     context.pageCopy = CurrentDefaults();
-    context.docDevMode = &context.pageCopy;
+    context.docDevMode = MutableByteSpan(context.pageCopy);
     if (in.empty() || (mode & kDmInBuffer) == 0)
         return;
     // The completion writes into its input record: it works on a copy of the caller's.

@@ -12,15 +12,13 @@
 #include <string>
 #include <string_view>
 
-#include "entry/page_context.h"
+#include "entry/sheet_context.h"
+#include "pages/sheet_pages.h"
 #include "platform/sheets.h"
 #include "platform/system.h"
 
 namespace kx20 {
 
-// The page tables: template and title ids, in the order the pages are added.
-inline constexpr std::array<std::uint32_t, 5> kDevicePages = {1007, 1008, 1009, 1010, 1011};
-inline constexpr std::array<std::uint32_t, 4> kDocumentPages = {1003, 1004, 1005, 1006};
 inline constexpr std::uint32_t kAboutTemplate = 1000;
 // Sent to the document sheet's window, when a page has set it, at the end of the
 // initialisation.
@@ -81,7 +79,7 @@ class PageAdder {
 // The context of a sheet for the printer: its settings object (all access, else read
 // access), the driver name from its level-2 information, the resource module and the port
 // summary. Null when the printer cannot be opened at all or has no level-2 information.
-std::unique_ptr<PageContext> OpenSheetContext(const SheetPorts& ports,
+std::unique_ptr<SheetContext> OpenSheetContext(const SheetPorts& ports,
                                               std::u16string_view printerName);
 
 // What a sheet entry is handed for one reason. `context` is the slot the sheet keeps its
@@ -90,7 +88,7 @@ struct SheetCall {
     std::int32_t reason = 0;
     std::u16string_view printerName;  // from the header
     SheetService* sheet = nullptr;    // null when the service gave no function
-    std::unique_ptr<PageContext>* context = nullptr;
+    std::unique_ptr<SheetContext>* context = nullptr;
     std::intptr_t* result = nullptr;
 };
 
@@ -113,7 +111,7 @@ std::int32_t DocumentPropertySheets(const SheetPorts& ports, const SheetCall& ca
 // The page copy at the sheet's start: the caller's input record completed from the current
 // defaults (the caller's own memory is left alone), or the current defaults themselves. It is
 // always a whole record of this driver (220 + 5784 bytes, private part at 220).
-void InitialisePageCopy(PageContext& context, ByteSpan in, std::uint32_t mode);
+void InitialisePageCopy(SheetContext& context, ByteSpan in, std::uint32_t mode);
 
 // SET_RESULT: the page copy goes to the output record, as many bytes as the smaller of the two
 // records' declared totals (dmSize + dmDriverExtra), and never past the output buffer.

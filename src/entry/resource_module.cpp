@@ -1,6 +1,6 @@
 #include "entry/resource_module.h"
 
-#include "log/trace.h"
+#include "platform/trace.h"
 
 namespace kx20 {
 

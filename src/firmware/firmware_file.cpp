@@ -6,7 +6,7 @@
 
 #include "channel/command_start.h"
 #include "channel/job_channel.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/format.h"
 #include "store/registry_layout.h"
 

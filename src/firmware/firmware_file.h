@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-#include "log/trace_notes.h"
+#include "platform/trace_notes.h"
 #include "platform/bytes.h"
 #include "platform/platform.h"
 #include "platform/resources.h"

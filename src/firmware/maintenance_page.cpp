@@ -4,9 +4,9 @@
 
 #include "channel/printer_hours.h"
 #include "channel/printer_queries.h"
-#include "entry/page_status.h"
+#include "pages/page_status.h"
 #include "firmware/firmware_file.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/format.h"
 #include "store/catalogue.h"
 #include "store/registry_layout.h"

@@ -7,7 +7,7 @@
 #include <map>
 #include <string>
 
-#include "entry/page_context.h"
+#include "pages/page_context.h"
 #include "platform/file_choice.h"
 
 namespace kx20::firmware {

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "log/trace_notes.h"
+#include "platform/trace_notes.h"
 #include "platform/bytes.h"
 #include "platform/platform.h"
 

@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-#include "log/trace_notes.h"
+#include "platform/trace_notes.h"
 #include "platform/bytes.h"
 #include "platform/files.h"
 

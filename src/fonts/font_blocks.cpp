@@ -4,7 +4,7 @@
 
 #include "channel/command_start.h"
 #include "channel/job_channel.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "store/registry_layout.h"
 
 namespace kx20::fonts {

@@ -8,7 +8,7 @@
 #include "fonts/fnt_file.h"
 #include "fonts/fon_file.h"
 #include "fonts/font_blocks.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/format.h"
 #include "store/catalogue.h"
 #include "store/registry_layout.h"

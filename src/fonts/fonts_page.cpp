@@ -3,7 +3,7 @@
 #include <array>
 
 #include "channel/printer_queries.h"
-#include "entry/page_status.h"
+#include "pages/page_status.h"
 #include "store/catalogue.h"
 #include "store/registry_layout.h"
 

@@ -8,7 +8,7 @@
 #include <map>
 #include <string>
 
-#include "entry/page_context.h"
+#include "pages/page_context.h"
 #include "fonts/font_download.h"
 #include "platform/file_choice.h"
 #include "store/registry_layout.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "entry/page_status.h"
+#include "pages/page_status.h"
 #include "log/log_files.h"
 #include "platform/text.h"
 #include "store/registry_layout.h"

@@ -4,7 +4,8 @@
 
 #include "channel/job_channel.h"
 #include "channel/printer_queries.h"
-#include "log/trace.h"
+#include "platform/picture_files.h"
+#include "platform/trace.h"
 #include "logos/logo_payloads.h"
 #include "store/catalogue.h"
 
@@ -16,27 +17,7 @@ std::uint32_t ChecksumNumber(const std::uint8_t crc[4]) {
     return ReadU32(ByteSpan(crc, 4), 0);
 }
 
-bool WriteTempPicture(FileSystem& files, const std::u16string& path, ByteSpan bytes) {
-    auto file = files.Open(path, OpenMode::CreateAlways, ShareMode::None);
-    if (!file) {
-        DrvTrace(u"ConvertAndDownloadLogo - CreateFile Failed. GetLastError:%d\n",
-                 files.LastError());
-        return false;
-    }
-    if (!file->Write(bytes)) {
-        DrvTrace(u"ConvertAndDownloadLogo - WriteFile Failed. GetLastError:%d\n",
-                 files.LastError());
-        return false;
-    }
-    return true;
-}
-
 }  // namespace
-
-std::u16string TempPicturePath(FileSystem& files) {
-    // The folder comes with its trailing separator.
-    return files.TempFolder() + std::u16string(kTempPictureName);
-}
 
 bool DownloadLogo(const StoreTarget& t, std::uint8_t number, int width, int height,
                   ByteSpan raster) {
@@ -93,8 +74,8 @@ bool EraseMessages(const StoreTarget& t) {
 bool ConvertAndDownloadLogo(const StoreTarget& t, std::uint8_t number, bool fullWidth,
                             bool scaleToFit, ByteSpan pictureFile) {
     FileSystem& files = t.platform.files;
-    const std::u16string path = TempPicturePath(files);
-    if (!WriteTempPicture(files, path, pictureFile))
+    const std::u16string path = WriteTempPicture(files, u"ConvertAndDownloadLogo", pictureFile);
+    if (path.empty())
         return false;
     auto raster = ConvertPictureToRaster(files, t.pictures, LimitsFor(fullWidth), scaleToFit, path);
     if (!raster) {

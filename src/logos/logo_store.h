@@ -15,8 +15,6 @@
 
 namespace kx20::logos {
 
-inline constexpr std::u16string_view kTempPictureName = u"bmp.bmp";
-
 // The printer and what the flows need to reach it.
 struct StoreTarget {
     ResourceStrings& strings;
@@ -25,9 +23,6 @@ struct StoreTarget {
     std::u16string_view printerName;
     std::u16string_view identity;  // of the printer attached to the port now
 };
-
-// The temporary picture file, overwritten by every logo: the temporary folder and "bmp.bmp".
-std::u16string TempPicturePath(FileSystem& files);
 
 // One logo or message sent as a raw job (document names 2270 / 2271 with the number); true
 // when the spooler reported it printed. The logo raster must hold width x height / 8 bytes.

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "channel/printer_hours.h"
-#include "entry/page_status.h"
-#include "log/trace.h"
+#include "pages/page_status.h"
+#include "platform/trace.h"
 #include "logos/page_common.h"
 #include "store/catalogue.h"
 
@@ -137,7 +137,6 @@ std::u16string LogosPageModel::InitialFolder() {
 
 std::uint64_t LogosPageModel::LogoMemoryInUse() {
     FileSystem& files = platform_.files;
-    const std::u16string temp = TempPicturePath(files);
     std::uint64_t used = 0;
     for (const Bytes& value :
          store::ReadLogoValues(platform_, context_.printerName, watch_.identity)) {
@@ -145,12 +144,10 @@ std::uint64_t LogosPageModel::LogoMemoryInUse() {
         // A size beyond the bytes that follow it counts as nothing.
         if (!FitsIn(value.size(), kMisreadPictureOffset, size))
             continue;
-        {
-            auto file = files.Open(temp, OpenMode::CreateAlways, ShareMode::None);
-            if (!file || !file->Write(ByteSpan(value).subspan(kMisreadPictureOffset, size))) {
-                continue;
-            }
-        }
+        const std::u16string temp = WriteTempPicture(
+            files, u"LogoMemoryInUse", ByteSpan(value).subspan(kMisreadPictureOffset, size));
+        if (temp.empty())
+            continue;
         PixelSize picture;
         if (LoadPictureFile(files, pictures_, temp, nullptr, 0, 0, 0, 0, picture))
             used += static_cast<std::uint64_t>(picture.width) * picture.height / 8;

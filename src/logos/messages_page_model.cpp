@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "channel/printer_hours.h"
-#include "entry/page_status.h"
-#include "log/trace.h"
+#include "pages/page_status.h"
+#include "platform/trace.h"
 #include "logos/page_common.h"
 #include "store/catalogue.h"
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "entry/page_context.h"
-#include "logos/device_pages.h"
+#include "pages/page_context.h"
+#include "pages/device_pages.h"
 #include "logos/logo_store.h"
 
 namespace kx20::logos {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "devmode/printer_settings.h"
 
 namespace kx20::logos {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "entry/page_context.h"
+#include "pages/page_context.h"
 #include "platform/files.h"
 #include "platform/format.h"
 #include "platform/prompts.h"

@@ -10,7 +10,7 @@
 #include <emmintrin.h>
 #endif
 
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "logos/raster_reference.h"
 
 namespace kx20::logos {
@@ -364,75 +364,6 @@ std::optional<Raster> ColumnBandsToRows(ByteSpan bands, int width, int height) {
         }
     }
     return rows;
-}
-
-std::optional<OpenedPicture> OpenPictureBytes(Pictures& pictures, ByteSpan file) {
-    OpenedPicture opened;
-    try {
-        opened.picture = pictures.Load(file);
-    } catch (const std::bad_alloc&) {
-        DrvTrace(u"LoadPictureFile - out of memory\n");
-        return std::nullopt;
-    }
-    if (!opened.picture) {
-        DrvTrace(u"LoadPictureFile - OleLoadPicture Failed\n");
-        return std::nullopt;
-    }
-    opened.size.width = MulDiv(opened.picture->HimetricWidth(), pictures.DpiX(), 2540);
-    opened.size.height = MulDiv(opened.picture->HimetricHeight(), pictures.DpiY(), 2540);
-    if (opened.size.width < 0 || opened.size.height < 0) {
-        DrvTrace(u"LoadPictureFile - picture size %d x %d unusable\n", opened.size.width,
-                 opened.size.height);
-        return std::nullopt;
-    }
-    return opened;
-}
-
-std::optional<OpenedPicture> OpenPictureFile(FileSystem& files, Pictures& pictures,
-                                             std::u16string_view path) {
-    auto file = files.Open(path, OpenMode::ReadExisting, ShareMode::None);
-    if (!file) {
-        DrvTrace(u"LoadPictureFile - CreateFile Failed. GetLastError:%d\n", files.LastError());
-        return std::nullopt;
-    }
-    const auto size = file->Size();
-    if (!size || *size == 0) {
-        DrvTrace(u"LoadPictureFile - empty file\n");
-        return std::nullopt;
-    }
-    if (*size > kMaxPictureFileBytes) {
-        DrvTrace(u"LoadPictureFile - file of %I64u bytes refused\n", *size);
-        return std::nullopt;
-    }
-    Bytes data;
-    try {
-        data.resize(static_cast<std::size_t>(*size));
-    } catch (const std::bad_alloc&) {
-        DrvTrace(u"LoadPictureFile - GlobalAlloc Failed\n");
-        return std::nullopt;
-    }
-    std::size_t got = 0;
-    if (!file->Read(data, &got) || got != data.size()) {
-        DrvTrace(u"LoadPictureFile - ReadFile Failed\n");
-        return std::nullopt;
-    }
-    file.reset();
-    return OpenPictureBytes(pictures, data);
-}
-
-bool LoadPictureFile(FileSystem& files, Pictures& pictures, std::u16string_view path,
-                     RgbCanvas* canvas, int left, int top, int right, int bottom, PixelSize& size) {
-    auto opened = OpenPictureFile(files, pictures, path);
-    if (!opened)
-        return false;
-    size = opened->size;
-    if (!canvas)
-        return true;
-    if (!opened->picture->Render(*canvas, left, top, right - left, bottom - top)) {
-        DrvTrace(u"LoadPictureFile - Render Failed\n");
-        return false;
-    }
-    return true;
 }
 
 std::optional<Raster> ConvertOpenedPicture(OpenedPicture& opened, LogoLimits limits,

@@ -21,6 +21,7 @@
 
 #include "platform/bytes.h"
 #include "platform/files.h"
+#include "platform/picture_files.h"
 #include "platform/pictures.h"
 
 namespace kx20::logos {
@@ -31,12 +32,6 @@ inline constexpr int kFullMaxWidth = 576;
 inline constexpr int kFullMaxHeight = 2040;
 inline constexpr int kNarrowMaxWidth = 472;
 inline constexpr int kNarrowMaxHeight = 40;
-
-struct PixelSize {
-    int width = 0;
-    int height = 0;
-    bool operator==(const PixelSize&) const = default;
-};
 
 struct LogoLimits {
     int maxWidth = 0;
@@ -77,26 +72,7 @@ Bytes RegroupToColumnBands(const Raster& rows);
 // The inverse, for showing a narrow logo: the row raster of `width` x `height` column bands.
 std::optional<Raster> ColumnBandsToRows(ByteSpan bands, int width, int height);
 
-// Picture files -------------------------------------------------------------------------
 
-// The largest picture file read (bigger ones are refused before reading).
-inline constexpr std::uint64_t kMaxPictureFileBytes = 256u << 20;
-
-// A picture file read whole (opened without sharing, an empty file refused) and decoded, with
-// its size in pixels: himetric x dpi / 2540, rounded as MulDiv rounds.
-struct OpenedPicture {
-    std::unique_ptr<Picture> picture;
-    PixelSize size;
-};
-std::optional<OpenedPicture> OpenPictureFile(FileSystem& files, Pictures& pictures,
-                                             std::u16string_view path);
-std::optional<OpenedPicture> OpenPictureBytes(Pictures& pictures, ByteSpan file);
-
-// Measures the picture file; with a canvas also draws it into the rectangle (left, top) -
-// (right, bottom) of the canvas. False when the file cannot be read or decoded, or the drawing
-// fails.
-bool LoadPictureFile(FileSystem& files, Pictures& pictures, std::u16string_view path,
-                     RgbCanvas* canvas, int left, int top, int right, int bottom, PixelSize& size);
 
 // The whole conversion of one picture file into the row raster of the given limits (the
 // raster's size is the final grid). Nothing when the file cannot be read, decoded or drawn, is

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/format.h"
 #include "platform/text.h"
 #include "store/registry_layout.h"

@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         CurrentDefaults() = gsDevMode();
         loaded = true;
     }
-    PageContext context;
+    SheetContext context;
     context.printerName = u"KX20";
     InitialisePageCopy(context, first, mode);
     if (ReadU16(context.pageCopy, kOffDmSize) != kDevModePublicSize ||

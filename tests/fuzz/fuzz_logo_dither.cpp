@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     const int cw = 1 + data[0] % 70;
     const int ch = 1 + data[1] % 50;
-    const logos::PixelSize grid{8 * (1 + data[2] % 12), 1 + data[3] % 60};
+    const PixelSize grid{8 * (1 + data[2] % 12), 1 + data[3] % 60};
     RgbCanvas canvas(cw, ch);
     std::size_t at = 8;
     for (auto& p : canvas.pixels) {

@@ -87,7 +87,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool fullWidth = (data[0] & 1) == 0;
     const bool scale = (data[0] & 2) == 0;
     StbPictures pictures;
-    auto opened = logos::OpenPictureBytes(pictures, ByteSpan(data + 1, size - 1));
+    auto opened = OpenPictureBytes(pictures, ByteSpan(data + 1, size - 1));
     // Large pictures are legitimate but slow under the sanitizers; their paths are the same.
     if (!opened || static_cast<std::int64_t>(opened->size.width) * opened->size.height > (1 << 22))
         return 0;

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/memory/memory_system.h"
 #include "tests/unit/trace_capture.h"

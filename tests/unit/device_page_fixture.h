@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "entry/page_context.h"
-#include "log/trace.h"
+#include "pages/page_context.h"
+#include "platform/trace.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/memory/memory_prompts.h"
 #include "platform/resources.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/memory/memory_files.h"
 #include "tests/unit/trace_capture.h"
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "devmode/devmode.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/memory/memory_files.h"
 #include "platform/memory/memory_sections.h"
 #include "tests/unit/trace_capture.h"

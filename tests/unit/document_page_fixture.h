@@ -7,8 +7,8 @@
 #include <string>
 
 #include "devmode/devmode.h"
-#include "entry/page_context.h"
-#include "log/trace.h"
+#include "entry/sheet_context.h"
+#include "platform/trace.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/memory/memory_prompts.h"
 #include "platform/resources.h"
@@ -36,7 +36,7 @@ class DocumentPageTest : public ::testing::Test, protected MemoryPlatform {
         ctx.strings = &strings;
         ctx.printerName = kPrinter;
         ctx.pageCopy = gsDevMode();
-        ctx.docDevMode = &ctx.pageCopy;
+        ctx.docDevMode = MutableByteSpan(ctx.pageCopy);
     }
     void TearDown() override { SetTraceTarget(nullptr, nullptr); }
 
@@ -74,7 +74,7 @@ class DocumentPageTest : public ::testing::Test, protected MemoryPlatform {
     sim::SimulatedPrinter printer{kPort};
     ScriptedPrompts prompts;
     BuiltinStrings strings;
-    PageContext ctx;
+    SheetContext ctx;
 };
 
 }  // namespace kx20

@@ -4,7 +4,7 @@
 
 #include "channel/printer_queries.h"
 #include "device_page_fixture.h"
-#include "entry/page_status.h"
+#include "pages/page_status.h"
 #include "font_file_generators.h"
 #include "platform/text.h"
 #include "store/catalogue.h"

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "entry/page_context.h"
-#include "log/trace.h"
+#include "pages/page_context.h"
+#include "platform/trace.h"
 #include "logos/logo_store.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/memory/memory_prompts.h"

@@ -6,7 +6,7 @@
 
 #include "logo_rig.h"
 #include "logos/page_common.h"
-#include "logos/preview_fit.h"
+#include "pages/preview_fit.h"
 #include "unit/test_pictures.h"
 
 namespace kx20::logos {
@@ -114,7 +114,6 @@ TEST_F(LogosPage, FailuresAreReportedAndTheListShowsTheCatalogue) {
     // Outside the printer's hours (UTC 08:07; open 09:00 to 17:00): nothing is sent.
     spooler.Find(kPrinter)->info.startTime = 9 * 60;
     spooler.Find(kPrinter)->info.untilTime = 17 * 60;
-    context.settings = std::make_unique<PrinterSettings>(p, kPrinter, kPrinterAccessUse);
     EXPECT_FALSE(Add(*page, 1, Picture(16, 16)));
     EXPECT_TRUE(spooler.jobs.empty());
     clock.utc.hour = 16;

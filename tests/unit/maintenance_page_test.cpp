@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "device_page_fixture.h"
-#include "entry/page_status.h"
+#include "pages/page_status.h"
 #include "firmware/firmware_file.h"
 #include "font_file_generators.h"
 #include "store/catalogue.h"

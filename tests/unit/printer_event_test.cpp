@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "devmode/devmode.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/memory/memory_prompts.h"
 #include "sim/sim_printer.h"

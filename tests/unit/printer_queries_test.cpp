@@ -8,7 +8,7 @@
 #include <map>
 #include <string>
 
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/memory/memory_files.h"
 #include "platform/memory/memory_monitor.h"
 #include "platform/memory/memory_registry.h"

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "entry/document_properties.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/memory/memory_prompts.h"
 #include "platform/memory/memory_sheets.h"
@@ -56,7 +56,7 @@ class SheetTest : public ::testing::Test, protected MemoryPlatform {
     ScriptedPrompts prompts;
     SheetPorts ports{p, system, prompts};
     CollectingSheet sheet;
-    std::unique_ptr<PageContext> context;
+    std::unique_ptr<SheetContext> context;
     std::intptr_t result = 0;
 };
 
@@ -80,7 +80,7 @@ TEST_F(SheetTest, DeviceSheetDescribesItsFivePages) {
     EXPECT_EQ(context->printerName, u"KX20");
     EXPECT_EQ(context->driverName, u"KVO KX20");
     EXPECT_EQ(context->helpPath, u"C:\\spool\\drivers\\x64\\3\\KVORSENU.HLP");
-    EXPECT_EQ(context->docDevMode, nullptr);
+    EXPECT_TRUE(context->docDevMode.empty());
     EXPECT_TRUE(context->settings->IsOpen());
     EXPECT_TRUE(context->port.present);
     EXPECT_EQ(context->port.modelCode, 7u);
@@ -196,7 +196,7 @@ TEST_F(SheetTest, DocumentSheetStartsFromTheCallersRecord) {
     EXPECT_EQ(AddedIds(), (std::vector<std::uint32_t>{1003, 1004, 1005, 1006}));
     EXPECT_EQ(sheet.added[1].page.title, u"Options");
     ASSERT_NE(context, nullptr);
-    ASSERT_EQ(context->docDevMode, &context->pageCopy);
+    ASSERT_EQ(context->docDevMode.data(), context->pageCopy.data());
     EXPECT_EQ(ReadU16(context->pageCopy, kOffDmOrientation), 2);
     EXPECT_EQ(ReadU16(context->pageCopy, kOffDmPaperSize), 259) << "completed from defaults";
     EXPECT_EQ(ReadU32(context->pageCopy, 220), kDevModeSignature);

@@ -6,7 +6,7 @@
 
 #include <random>
 
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "logos/raster_reference.h"
 #include "platform/memory/memory_files.h"
 #include "platform/memory/stb_pictures.h"

@@ -4,7 +4,7 @@
 
 #include "platform/memory/memory_platform.h"
 
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/memory/memory_files.h"
 #include "platform/memory/memory_monitor.h"
 #include "platform/memory/memory_registry.h"

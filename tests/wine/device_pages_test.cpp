@@ -15,11 +15,11 @@
 #include <string>
 #include <vector>
 
-#include "entry/page_context.h"
-#include "entry/win32/page_procs.h"
+#include "pages/page_context.h"
+#include "pages/win32/page_procs.h"
 #include "ids_device_pages.h"
 #include "logos/logo_store.h"
-#include "logos/win32/preview_painter.h"
+#include "pages/win32/preview_painter.h"
 #include "platform/bytes.h"
 #include "platform/win32/win32_files.h"
 #include "platform/win32/win32_pictures.h"
@@ -402,7 +402,7 @@ TEST(PicturePreview, StoredBytesArePaintedAtTheFramesTopLeftThroughATemporaryFil
     EXPECT_EQ(pixel(100, 10), background) << "right of the picture";
     EXPECT_EQ(pixel(10, 50), background) << "below the picture";
     Win32FileSystem files;
-    EXPECT_FALSE(files.Exists(logos::TempPicturePath(files)));
+    EXPECT_FALSE(files.Exists(TempPicturePath(files)));
 
     PaintPictureBytesPreview(nullptr, dc, ByteSpan(), frame, 0, false, true);
     GdiFlush();

@@ -19,7 +19,7 @@
 #include "channel/printer_queries.h"
 #include "devmode/devmode.h"
 #include "devmode/win32/document_pages.h"
-#include "entry/page_context.h"
+#include "pages/page_context.h"
 #include "ids_document_pages.h"
 #include "platform/text.h"
 #include "platform/win32/win32_platform.h"
@@ -53,7 +53,7 @@ class DocumentSheet : public SimulatedPrinterPagesTest {
                                       reinterpret_cast<DEVMODEW*>(ctx_.pageCopy.data()), nullptr,
                                       DM_OUT_BUFFER),
                   IDOK);
-        ctx_.docDevMode = &ctx_.pageCopy;
+        ctx_.docDevMode = MutableByteSpan(ctx_.pageCopy);
     }
 
     void Open() {

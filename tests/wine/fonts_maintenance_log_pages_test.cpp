@@ -13,8 +13,8 @@
 #include <memory>
 #include <string>
 
-#include "entry/page_context.h"
-#include "entry/win32/page_procs.h"
+#include "pages/page_context.h"
+#include "pages/win32/page_procs.h"
 #include "ids_device_pages.h"
 #include "platform/win32/win32_platform.h"
 #include "platform/win32/win32_prompts.h"

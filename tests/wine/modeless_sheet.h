@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "entry/page_context.h"
+#include "entry/sheet_context.h"
 #include "platform/win32/win32_pictures.h"
 #include "platform/win32/win32_platform.h"
 #include "platform/win32/win32_prompts.h"
@@ -109,7 +109,7 @@ class SimulatedPrinterPagesTest : public ModelessSheetTest {
     winhost::SimulatedPrinterControl sim_{PortPath()};
     HMODULE resources_ = nullptr;
     std::unique_ptr<Win32ResourceStrings> strings_;
-    PageContext ctx_;
+    SheetContext ctx_;
     std::u16string id_;  // the printer's identity
     MessageBoxAnswerer boxes_;
 };

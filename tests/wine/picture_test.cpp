@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "logos/raster_conversion.h"
-#include "logos/win32/preview_painter.h"
+#include "pages/win32/preview_painter.h"
 #include "platform/memory/memory_files.h"
 #include "platform/memory/stb_pictures.h"
 #include "platform/win32/win32_files.h"
@@ -25,7 +25,7 @@
 namespace kx20::winetest {
 namespace {
 
-using logos::PixelSize;
+using kx20::PixelSize;
 
 struct Sample {
     const char* name;
@@ -58,8 +58,8 @@ TEST(Pictures, OleAndNativeLoadersGiveTheSamePixels) {
     Win32Pictures ole;
     StbPictures native;
     for (const Sample& sample : Samples()) {
-        auto a = logos::OpenPictureBytes(ole, sample.file);
-        auto b = logos::OpenPictureBytes(native, sample.file);
+        auto a = OpenPictureBytes(ole, sample.file);
+        auto b = OpenPictureBytes(native, sample.file);
         ASSERT_TRUE(a) << sample.name;
         ASSERT_TRUE(b) << sample.name;
         ASSERT_EQ(a->size, b->size) << sample.name;
@@ -222,7 +222,7 @@ TEST(Pictures, ConversionEqualsTheGetPixelFormAndIsTimedAgainstIt) {
         EXPECT_EQ(ours->height, literal->height) << c.name;
         EXPECT_EQ(ours->bits, literal->bits) << c.name;
         // The dither and packing alone, from the drawn canvas.
-        auto opened = logos::OpenPictureBytes(pictures, c.file);
+        auto opened = OpenPictureBytes(pictures, c.file);
         ASSERT_TRUE(opened);
         RgbCanvas canvas(opened->size.width, opened->size.height);
         const PixelSize target = logos::TargetSize(opened->size, c.limits, c.scale);

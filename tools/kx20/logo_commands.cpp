@@ -102,13 +102,13 @@ std::optional<Converted> ConvertFile(const std::string& path, bool fullWidth, bo
         status = Fail(kExitUsage, "cannot read the picture", path);
         return std::nullopt;
     }
-    if (bytes->empty() || bytes->size() > logos::kMaxPictureFileBytes) {
+    if (bytes->empty() || bytes->size() > kMaxPictureFileBytes) {
         status =
             Fail(kExitInvalid, "not a picture the driver can convert (empty or too large)", path);
         return std::nullopt;
     }
     StbPictures pictures;
-    auto opened = logos::OpenPictureBytes(pictures, *bytes);
+    auto opened = OpenPictureBytes(pictures, *bytes);
     if (!opened) {
         status =
             Fail(kExitInvalid, "not a picture the driver can convert (BMP, PNG, JPEG, GIF)", path);

@@ -3,7 +3,7 @@
 // station or the paper changes.
 #include "devmode/device_settings_page.h"
 #include "devmode/win32/document_pages.h"
-#include "devmode/win32/page_window.h"
+#include "pages/win32/page_window.h"
 #include "ids_document_pages.h"
 
 namespace kx20 {

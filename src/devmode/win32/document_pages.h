@@ -9,7 +9,7 @@
 // The procedures themselves (DeviceSettingsPageProc 1003, GuiOptionsDlgProc 1004,
 // StationPageProc 1005 and 1006, whose dialog template tells which station) are declared
 // with the page table.
-#include "entry/win32/page_procs.h"
+#include "pages/win32/page_procs.h"
 
 namespace kx20 {
 

@@ -4,7 +4,7 @@
 
 #include "devmode/options_page.h"
 #include "devmode/win32/document_pages.h"
-#include "devmode/win32/page_window.h"
+#include "pages/win32/page_window.h"
 #include "ids_document_pages.h"
 
 namespace kx20 {

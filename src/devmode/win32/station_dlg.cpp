@@ -2,9 +2,9 @@
 // lists when a logos, messages or fonts refresh is broadcast.
 #include "devmode/station_page.h"
 #include "devmode/win32/document_pages.h"
-#include "devmode/win32/page_window.h"
+#include "pages/win32/page_window.h"
 #include "ids_document_pages.h"
-#include "logos/win32/preview_painter.h"
+#include "pages/win32/preview_painter.h"
 #include "platform/win32/win32_text.h"
 
 namespace kx20 {

@@ -12,7 +12,7 @@
 #include "entry/printer_event.h"
 #include "entry/win32/ddi_types.h"
 #include "entry/win32/entry_support.h"
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/win32/win32_platform.h"
 #include "platform/win32/win32_prompts.h"
 #include "platform/win32/win32_sections.h"

@@ -14,9 +14,9 @@
 #include "entry/property_sheets.h"
 #include "entry/win32/ddi_types.h"
 #include "entry/win32/entry_support.h"
-#include "entry/win32/page_procs.h"
-#include "log/trace.h"
-#include "logos/win32/about_box.h"
+#include "pages/win32/page_procs.h"
+#include "platform/trace.h"
+#include "pages/win32/about_box.h"
 #include "platform/win32/win32_platform.h"
 #include "platform/win32/win32_pictures.h"
 #include "platform/win32/win32_prompts.h"
@@ -48,7 +48,7 @@ struct SheetState {
     Win32Prompts prompts;
     Win32Pictures pictures;
     SheetPorts ports{platform.ports, system, prompts, &pictures};
-    std::unique_ptr<PageContext> context;
+    std::unique_ptr<SheetContext> context;
     std::wstring callerName, helpFile, itemName;
 };
 
@@ -63,9 +63,8 @@ LONG CALLBACK DeviceSheetCallback(PCPSUICBPARAM param) {
     DrvTrace(CallbackReasonTrace(param->Reason));
     if (param->Reason == kCallbackReasonAbout) {
         auto* context = reinterpret_cast<PageContext*>(param->UserData);
-        const HINSTANCE resources = context && context->resources
-                                        ? reinterpret_cast<HINSTANCE>(context->resources->Id())
-                                        : nullptr;
+        const HINSTANCE resources =
+            context ? reinterpret_cast<HINSTANCE>(context->resourceModule) : nullptr;
         ShowAboutBox(resources, param->hDlg, reinterpret_cast<LPARAM>(context));
     }
     return CPSUICB_ACTION_NONE;
@@ -82,7 +81,7 @@ void Describe(SheetState& s) {
     d.Flags = kCommonSheetFlags;
     d.hInstCaller = DriverModuleHandle();
     d.pCallerName = s.callerName.data();
-    d.UserData = reinterpret_cast<ULONG_PTR>(s.context.get());
+    d.UserData = reinterpret_cast<ULONG_PTR>(static_cast<PageContext*>(s.context.get()));
     d.pHelpFile = s.helpFile.data();
     d.pfnCallBack = DeviceSheetCallback;
     d.pOptItem = nullptr;

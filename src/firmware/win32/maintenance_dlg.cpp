@@ -1,9 +1,9 @@
 // GuiMaintenanceDlgProc: the maintenance page (1010) over its model, and its About button.
-#include "devmode/win32/page_window.h"
-#include "entry/win32/page_procs.h"
+#include "pages/win32/page_window.h"
+#include "pages/win32/page_procs.h"
 #include "firmware/maintenance_page.h"
-#include "logos/device_pages.h"
-#include "logos/win32/about_box.h"
+#include "pages/device_pages.h"
+#include "pages/win32/about_box.h"
 #include "platform/win32/win32_file_dialogs.h"
 #include "store/registry_layout.h"
 
@@ -48,8 +48,8 @@ class MaintenanceDialog : public DevicePage {
         : hwnd_(hwnd),
           ctx_(ctx),
           model_(ctx, reinterpret_cast<WindowId>(hwnd)),
-          templates_(ctx.resources && ctx.resources->Loaded()
-                         ? reinterpret_cast<HINSTANCE>(ctx.resources->Id())
+          templates_(ctx.resourceModule
+                         ? reinterpret_cast<HINSTANCE>(ctx.resourceModule)
                          : (description ? description->hInstance : nullptr)) {}
 
     ~MaintenanceDialog() override {

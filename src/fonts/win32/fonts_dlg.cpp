@@ -1,10 +1,10 @@
 // GuiFontsDlgProc: the fonts page (1009) over its model. The page follows the printer through
 // the shared device-page record (the logos page's connection timer) and rereads the font names
 // when a fonts refresh is broadcast.
-#include "devmode/win32/page_window.h"
-#include "entry/win32/page_procs.h"
+#include "pages/win32/page_window.h"
+#include "pages/win32/page_procs.h"
 #include "fonts/fonts_page.h"
-#include "logos/device_pages.h"
+#include "pages/device_pages.h"
 #include "platform/win32/win32_file_dialogs.h"
 #include "platform/win32/win32_text.h"
 

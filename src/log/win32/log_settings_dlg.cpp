@@ -6,10 +6,10 @@
 
 #include <commctrl.h>
 
-#include "devmode/win32/page_window.h"
-#include "entry/win32/page_procs.h"
+#include "pages/win32/page_window.h"
+#include "pages/win32/page_procs.h"
 #include "log/log_settings_page.h"
-#include "logos/device_pages.h"
+#include "pages/device_pages.h"
 #include "platform/win32/win32_file_dialogs.h"
 
 namespace kx20 {

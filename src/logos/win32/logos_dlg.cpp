@@ -6,13 +6,13 @@
 #include <commctrl.h>
 #include <commdlg.h>
 
-#include "devmode/win32/page_window.h"
-#include "entry/win32/page_procs.h"
+#include "pages/win32/page_window.h"
+#include "pages/win32/page_procs.h"
 #include "ids_device_pages.h"
 #include "logos/logos_page_model.h"
 #include "logos/page_common.h"
-#include "logos/win32/preview_painter.h"
-#include "logos/win32/slot_list.h"
+#include "pages/win32/preview_painter.h"
+#include "pages/win32/slot_list.h"
 #include "platform/win32/win32_text.h"
 
 namespace kx20 {

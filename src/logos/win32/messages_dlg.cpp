@@ -5,13 +5,13 @@
 #include <commctrl.h>
 #include <imm.h>
 
-#include "devmode/win32/page_window.h"
-#include "entry/win32/page_procs.h"
+#include "pages/win32/page_window.h"
+#include "pages/win32/page_procs.h"
 #include "ids_device_pages.h"
-#include "logos/device_pages.h"
+#include "pages/device_pages.h"
 #include "logos/messages_page_model.h"
 #include "logos/page_common.h"
-#include "logos/win32/slot_list.h"
+#include "pages/win32/slot_list.h"
 #include "platform/win32/win32_text.h"
 
 namespace kx20 {

@@ -14,9 +14,10 @@
 #include <string>
 #include <vector>
 
-#include "devmode/document_page.h"
-#include "entry/page_context.h"
-#include "log/trace.h"
+#include "pages/apply_state.h"
+#include "pages/page_context.h"
+#include "pages/page_text.h"
+#include "platform/trace.h"
 
 namespace kx20 {
 

@@ -1,10 +1,9 @@
-#include "logos/win32/preview_painter.h"
+#include "pages/win32/preview_painter.h"
 
 #include <cstring>
 
-#include "logos/logo_store.h"
-#include "logos/preview_fit.h"
-#include "logos/raster_conversion.h"
+#include "pages/preview_fit.h"
+#include "platform/picture_files.h"
 #include "platform/win32/win32_files.h"
 #include "platform/win32/win32_pictures.h"
 
@@ -35,10 +34,10 @@ void DrawPicture(const std::u16string& path, std::uint32_t* bits, int width, int
                  bool grey) {
     Win32FileSystem files;
     Win32Pictures pictures;
-    auto opened = logos::OpenPictureFile(files, pictures, path);
+    auto opened = OpenPictureFile(files, pictures, path);
     if (!opened)
         return;
-    const logos::PixelSize fit = logos::FitPictureInFrame(opened->size, {width, height});
+    const PixelSize fit = FitPictureInFrame(opened->size, {width, height});
     RgbCanvas canvas(width, height);
     std::memcpy(canvas.pixels.data(), bits, canvas.pixels.size() * sizeof(std::uint32_t));
     if (!opened->picture->Render(canvas, 0, 0, fit.width, fit.height))
@@ -107,14 +106,8 @@ void PaintPictureBytesPreview(HWND window, HDC dcOrNull, ByteSpan picture, const
                               int frameId, bool grey, bool plainBackground) {
     std::u16string path;
     Win32FileSystem files;
-    if (!picture.empty()) {
-        path = logos::TempPicturePath(files);
-        auto file = files.Open(path, OpenMode::CreateAlways, ShareMode::None);
-        const bool written = file && file->Write(picture);
-        file.reset();  // closed before it is read again
-        if (!written)
-            path.clear();
-    }
+    if (!picture.empty())
+        path = WriteTempPicture(files, u"PaintPictureBytesPreview", picture);
     PaintPicturePreview(window, dcOrNull, path, frame, frameId, grey, plainBackground);
     if (!path.empty())
         files.Remove(path);

@@ -1,9 +1,9 @@
-#include "logos/preview_fit.h"
+#include "pages/preview_fit.h"
 
 #include <algorithm>
 #include <cstdint>
 
-namespace kx20::logos {
+namespace kx20 {
 
 PixelSize FitPictureInFrame(PixelSize picture, PixelSize frame) {
     const std::int64_t pw = picture.width;
@@ -30,4 +30,4 @@ PixelSize FitPictureInFrame(PixelSize picture, PixelSize frame) {
     return {static_cast<int>(w), static_cast<int>(h)};
 }
 
-}  // namespace kx20::logos
+}  // namespace kx20

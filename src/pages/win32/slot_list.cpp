@@ -1,11 +1,10 @@
-#include "logos/win32/slot_list.h"
+#include "pages/win32/slot_list.h"
 
 #include <commctrl.h>
 #include <prsht.h>
 
-#include "devmode/win32/page_window.h"
+#include "pages/win32/page_window.h"
 #include "ids_device_pages.h"
-#include "logos/page_common.h"
 #include "platform/win32/win32_text.h"
 
 namespace kx20 {
@@ -166,7 +165,7 @@ bool SlotPageBusy::Any() {
 }
 
 void SetStringCaption(HWND dialog, int control, ResourceStrings& strings, std::uint32_t id) {
-    const std::u16string text = logos::LoadText(strings, id);
+    const std::u16string text = strings.Load(id).value_or(std::u16string());
     if (!text.empty())
         SetControlText(dialog, control, text);
 }

@@ -1,13 +1,10 @@
-#include "entry/win32/page_procs.h"
+#include "pages/win32/page_procs.h"
 
 #include <commctrl.h>
 
 #include <string>
 
-#include "devmode/win32/page_window.h"
-#include "entry/page_context.h"
-#include "entry/property_sheets.h"
-#include "platform/win32/win32_text.h"
+#include "pages/sheet_pages.h"
 
 namespace kx20 {
 

@@ -3,10 +3,10 @@
 // picture in a 100 x 100 frame is drawn 0 pixels wide).
 #pragma once
 
-#include "logos/raster_conversion.h"
+#include "platform/picture_files.h"
 
-namespace kx20::logos {
+namespace kx20 {
 
 PixelSize FitPictureInFrame(PixelSize picture, PixelSize frame);
 
-}  // namespace kx20::logos
+}  // namespace kx20

@@ -1,4 +1,4 @@
-#include "logos/win32/about_box.h"
+#include "pages/win32/about_box.h"
 
 #include <string>
 

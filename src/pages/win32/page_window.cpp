@@ -1,4 +1,4 @@
-#include "devmode/win32/page_window.h"
+#include "pages/win32/page_window.h"
 
 #include "platform/win32/win32_text.h"
 

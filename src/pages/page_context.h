@@ -1,16 +1,13 @@
 // The per-sheet record that every property page receives as its page parameter. The sheet
 // owns it from its initialisation to its destruction; the pages only read it, except for the
-// document sheet's page copy of the device mode and the sheet window handle.
+// document sheet's page copy of the device mode, the apply state and the sheet window handle.
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 
-#include "devmode/apply_state.h"
-#include "devmode/devmode.h"
-#include "devmode/printer_settings.h"
-#include "entry/resource_module.h"
+#include "pages/apply_state.h"
+#include "platform/bytes.h"
 #include "platform/pictures.h"
 #include "platform/platform.h"
 #include "platform/prompts.h"
@@ -18,7 +15,7 @@
 
 namespace kx20 {
 
-class DevicePages;  // logos/device_pages.h
+class DevicePages;  // pages/device_pages.h
 
 // What the pages know of the printer's port when the sheet opens: its connection status
 // record, all zero and the identity empty when it cannot be read.
@@ -36,30 +33,26 @@ struct PageContext {
     UserPrompts* prompts = nullptr;
     ResourceStrings* strings = nullptr;  // the resource module's strings
     std::u16string helpPath;             // the resource module's help file; empty when none
-    Pictures* pictures = nullptr;        // the picture loader (logos pages, previews)
-
+    // The loaded resource module (its instance on Windows), whose templates the pages' own
+    // dialogs come from; 0 when it could not be loaded.
+    std::uintptr_t resourceModule = 0;
+    Pictures* pictures = nullptr;  // the picture loader (logos pages, previews)
     std::u16string printerName;
     std::u16string driverName;  // pDriverName of the printer's level-2 information
-    // pDocUI: the document sheet's page copy of the device mode (points at pageCopy); null in
-    // the device sheet.
-    DevModeImage* docDevMode = nullptr;
-    std::unique_ptr<PrinterSettings> settings;
+
+    // pDocUI: the document sheet's page copy of the device mode, a whole record of this
+    // driver; empty in the device sheet.
+    MutableByteSpan docDevMode;
     PortSummary port;
 
-    // The resource module object: owned by the sheet; `strings` and `helpPath` come from it.
-    std::unique_ptr<ResourceModule> resources;
-    // Device sheet: the record of the device pages' windows that the logos page keeps while it
-    // lives (its connection timer drives the other pages through it); null before and after.
+    // Device sheet: the record of the device pages' windows, kept while the pages live (the
+    // connection watch drives every page through it); null before and after.
     DevicePages* devicePages = nullptr;
 
     // Document sheet only.
-    DevModeImage pageCopy{};
     WindowId sheetWindow = 0;  // set by the pages
     // A page has written the user's choices into the page copy (the sheet's OK or Apply).
     bool pageCopyApplied = false;
-    // The host asked for the result (SET_RESULT); a host that never does gets the page copy
-    // when the sheet is destroyed.
-    bool resultDelivered = false;
     // The apply-state record shared by the device settings and options pages; the device
     // settings page makes it the sheet frame's window data.
     ApplyState applyState;

@@ -1,4 +1,4 @@
-#include "entry/page_status.h"
+#include "pages/page_status.h"
 
 #include <array>
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "log/trace.h"
+#include "platform/trace.h"
 #include "platform/format.h"
 
 namespace kx20 {

@@ -1,4 +1,4 @@
-#include "log/trace.h"
+#include "platform/trace.h"
 
 #include <cstdio>
 
