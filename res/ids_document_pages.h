@@ -34,10 +34,10 @@
 #define IDC_OPT_FLAG_60 1073
 #define IDC_OPT_FLAG_64 1074
 #define IDC_OPT_FLAG_68 1075
-#define IDC_OPT_LIST_72_LABEL 1076
-#define IDC_OPT_LIST_72 1077
-#define IDC_OPT_LIST_76_LABEL 1078
-#define IDC_OPT_LIST_76 1079
+#define IDC_OPT_FLOW_LABEL 1076
+#define IDC_OPT_FLOW 1077
+#define IDC_OPT_DENSITY_LABEL 1078
+#define IDC_OPT_DENSITY 1079
 #define IDC_OPT_FONT_LABEL 1080
 #define IDC_OPT_FONT 1081
 #define IDC_OPT_SUMMARY 1090 /* inside frame 1050: the device settings the page follows */

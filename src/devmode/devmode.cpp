@@ -54,8 +54,8 @@ DevModeImage BuildDefaultDevMode() {
     WriteU32(priv, kPrivOptionsChoice, 0);
     WriteU32(priv, kPrivBCutPaper, 1);
     WriteU32(priv, kPrivOptionFlag64, 1);
-    WriteU32(priv, kPrivOptionChoice72, 2);
-    WriteU32(priv, kPrivOptionChoice76, 2);
+    WriteU32(priv, kPrivFlow, 2);
+    WriteU32(priv, kPrivDensity, 2);
     WriteUtf16Field(priv, kPrivFontOverrideName, kPrivFontNameChars, kNoFontOverride);
     WriteStationDefaults(priv, kPrivFirstStation);
     WriteStationDefaults(priv, kPrivSecondStation);

@@ -24,8 +24,8 @@ constexpr PageLabel kLabels[] = {
     {IDC_OPT_FLAG_60, 1073},
     {IDC_OPT_FLAG_64, 1074},
     {IDC_OPT_FLAG_68, 1075},
-    {IDC_OPT_LIST_72_LABEL, 1076},
-    {IDC_OPT_LIST_76_LABEL, 1078},
+    {IDC_OPT_FLOW_LABEL, 1076},
+    {IDC_OPT_DENSITY_LABEL, 1078},
     {IDC_OPT_FONT_LABEL, 1080},
     {IDC_OPT_FRAME, docstr::kSummaryFrame},
 };
@@ -59,11 +59,11 @@ void OptionsPageModel::Init(ApplyState* shared) {
              ReadU32(priv, kPrivBCutPaper));
 
     flowEntries_ = PageStrings(ctx_, docstr::kFlowControl0, kFlowEntries);
-    flowSelection_ = ReadU32(priv, kPrivOptionChoice72) == 0 ? 0 : 1;
+    flowSelection_ = ReadU32(priv, kPrivFlow) == 0 ? 0 : 1;
     ReadFlowEnablement();
 
     densityEntries_ = PageStrings(ctx_, docstr::kDensity0, docstr::kDensityCount);
-    const std::uint32_t storedDensity = ReadU32(priv, kPrivOptionChoice76);
+    const std::uint32_t storedDensity = ReadU32(priv, kPrivDensity);
     density_ =
         storedDensity < densityEntries_.size() ? static_cast<int>(storedDensity) : kDefaultDensity;
 
@@ -186,8 +186,8 @@ void OptionsPageModel::Apply(ApplyState* shared) {
     WriteU32(priv, kPrivBCutPaper, cutPaper_ ? 1 : 0);
     for (std::size_t i = 0; i < flags_.size(); ++i)
         WriteU32(priv, kFlagOffsets[i], flags_[i] ? 1 : 0);
-    WriteU32(priv, kPrivOptionChoice72, !flowEnabled_ ? 2 : (flowSelection_ != 0 ? 1 : 0));
-    WriteU32(priv, kPrivOptionChoice76, static_cast<std::uint32_t>(density_));
+    WriteU32(priv, kPrivFlow, !flowEnabled_ ? 2 : (flowSelection_ != 0 ? 1 : 0));
+    WriteU32(priv, kPrivDensity, static_cast<std::uint32_t>(density_));
     WriteUtf16Field(priv, kPrivFontOverrideName, kPrivFontNameChars,
                     fontEntries_.at(static_cast<std::size_t>(font_)));
     DrvTrace(u"GuiOptionsDlgProc(NOTIFY/APPLY): pDocUI->dmpprivate.bCutPaper=%d\n",

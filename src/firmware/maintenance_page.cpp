@@ -13,6 +13,34 @@
 
 namespace kx20::firmware {
 
+namespace {
+
+constexpr PageLabel kLabels[] = {
+    {IDC_ABOUT_BUTTON, IDC_ABOUT_BUTTON},
+    {IDC_FIRMWARE_LABEL, IDC_FIRMWARE_LABEL},
+    {IDC_FIRMWARE_BROWSE, IDC_FIRMWARE_BROWSE},
+    {IDC_FIRMWARE_UPDATE, IDC_FIRMWARE_UPDATE},
+    {IDC_LAST_PRINTER, IDC_LAST_PRINTER},
+    {IDC_MAINTENANCE, IDC_MAINTENANCE},
+    {IDC_CLEAR_ALL, IDC_CLEAR_ALL},
+};
+
+constexpr ControlTopic kControlTopics[] = {
+    {IDC_ABOUT_BUTTON, 4000},    {IDC_FIRMWARE_LABEL, 6200},  {IDC_FIRMWARE_PATH, 6200},
+    {IDC_FIRMWARE_BROWSE, 6210}, {IDC_FIRMWARE_UPDATE, 6220}, {IDC_LAST_PRINTER, 6230},
+    {IDC_MAINTENANCE, 6240},     {IDC_CLEAR_ALL, 6250},       {IDC_PRINTER_STATUS, 4010},
+};
+
+}  // namespace
+
+std::span<const PageLabel> MaintenancePageModel::Labels() {
+    return kLabels;
+}
+
+std::span<const ControlTopic> MaintenancePageModel::ControlTopics() {
+    return kControlTopics;
+}
+
 MaintenancePageModel::MaintenancePageModel(PageContext& context, WindowId page)
     : context_(context), page_(page) {}
 
@@ -22,9 +50,9 @@ bool MaintenancePageModel::Enabled(int control) const {
 }
 
 std::u16string MaintenancePageModel::Text(int control) const {
-    if (control == kIdFilePath)
+    if (control == IDC_FIRMWARE_PATH)
         return filePath_;
-    if (control == kIdStatus)
+    if (control == IDC_PRINTER_STATUS)
         return status_;
     return {};
 }
@@ -50,18 +78,18 @@ void MaintenancePageModel::Open() {
     }
     lastPrinter_ = store::GetLastPrinterFlag(p, port);
     // The maintenance command is not offered while the port's last-printer flag is set.
-    enabled_[kIdMaintenance] = !lastPrinter_;
+    enabled_[IDC_MAINTENANCE] = !lastPrinter_;
     status_ = PrinterStatusText(*context_.strings, &status);
 }
 
 void MaintenancePageModel::OnConnectionLost() {
     status_ = PrinterStatusText(*context_.strings, nullptr);
-    for (int id : {kIdFileLabel, kIdFilePath, kIdBrowse, kIdUpdate, kIdLastPrinter, kIdMaintenance,
-                   kIdClearAll}) {
+    for (int id : {IDC_FIRMWARE_LABEL, IDC_FIRMWARE_PATH, IDC_FIRMWARE_BROWSE, IDC_FIRMWARE_UPDATE,
+                   IDC_LAST_PRINTER, IDC_MAINTENANCE, IDC_CLEAR_ALL}) {
         enabled_[id] = false;
     }
     lastPrinter_ = false;
-    focus_ = kIdAbout;
+    focus_ = IDC_ABOUT_BUTTON;
 }
 
 void MaintenancePageModel::Browse(const FileChooser& choose) {
@@ -115,7 +143,7 @@ void MaintenancePageModel::Update() {
     ShowStringBox(prompts, strings, page_, kStringFlashDone, kStringPrinterTitle,
                   box::kOk | box::kIconInformation);
     filePath_.clear();
-    focus_ = kIdBrowse;
+    focus_ = IDC_FIRMWARE_BROWSE;
 }
 
 void MaintenancePageModel::OnLastPrinterClicked(bool nowChecked) {
@@ -127,11 +155,11 @@ void MaintenancePageModel::OnLastPrinterClicked(bool nowChecked) {
             page_, PortQuestion(port), context_.strings->Load(kStringPrinterTitle).value_or(u""),
             box::kYesNo | box::kIconWarning);
         if (answer == box::kIdYes)
-            enabled_[kIdMaintenance] = false;
+            enabled_[IDC_MAINTENANCE] = false;
         else
             lastPrinter_ = false;
     } else {
-        enabled_[kIdMaintenance] = true;
+        enabled_[IDC_MAINTENANCE] = true;
     }
     // The flag is stored as the box stood when it was clicked, also when the question was
     // declined: kept so deliberately.

@@ -5,23 +5,16 @@
 
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string>
 
+#include "ids_device_pages.h"
 #include "pages/page_context.h"
+#include "pages/page_help.h"
+#include "pages/page_text.h"
 #include "platform/file_choice.h"
 
 namespace kx20::firmware {
-
-// Controls.
-inline constexpr int kIdAbout = 1049;
-inline constexpr int kIdFileLabel = 1190;
-inline constexpr int kIdFilePath = 1191;
-inline constexpr int kIdBrowse = 1192;
-inline constexpr int kIdUpdate = 1193;
-inline constexpr int kIdLastPrinter = 1194;
-inline constexpr int kIdMaintenance = 1195;
-inline constexpr int kIdClearAll = 1196;
-inline constexpr int kIdStatus = 1213;
 
 // Resource strings of the page.
 inline constexpr std::uint32_t kStringFirmwareTitle = 2171;
@@ -34,6 +27,11 @@ inline constexpr std::uint32_t kResetAfterClearAll = 3000;
 class MaintenancePageModel {
   public:
     MaintenancePageModel(PageContext& context, WindowId page);
+
+    // The labels set at start, the help topic of the page and the popup topic of each control.
+    static std::span<const PageLabel> Labels();
+    static constexpr std::uint32_t kPageTopic = 2070;
+    static std::span<const ControlTopic> ControlTopics();
 
     void Open();
     // No printer to work with (also when it goes away while the page is open): only the About

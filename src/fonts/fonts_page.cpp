@@ -11,6 +11,20 @@ namespace kx20::fonts {
 
 namespace {
 
+// The two labels the resource module carries; the other controls keep their template texts.
+constexpr PageLabel kLabels[] = {
+    {IDC_SBCS_GROUP, IDC_SBCS_GROUP},
+    {IDC_SBCS_SLOT1_LABEL, IDC_SBCS_SLOT1_LABEL},
+};
+
+constexpr ControlTopic kControlTopics[] = {
+    {IDC_SBCS_SLOT1_LABEL, 6000},  {IDC_SBCS_SLOT1_NAME, 6000},    {IDC_SBCS_SLOT1_CAPTURE, 6010},
+    {IDC_SBCS_SLOT2_LABEL, 6020},  {IDC_SBCS_SLOT2_NAME, 6020},    {IDC_SBCS_SLOT2_CAPTURE, 6030},
+    {IDC_DBCS_ENABLE, 6040},       {IDC_DBCS_THERMAL_GROUP, 6050}, {IDC_DBCS_THERMAL_NAME, 6050},
+    {IDC_DBCS_THERMAL_LOAD, 6060}, {IDC_DBCS_IMPACT_GROUP, 6070},  {IDC_DBCS_IMPACT_NAME, 6070},
+    {IDC_DBCS_IMPACT_LOAD, 6080},  {IDC_PRINTER_STATUS, 4010},
+};
+
 bool ReadStatus(PageContext& c, store::ConnectionStatus& status) {
     return store::GetConnectionStatus(*c.platform,
                                       store::PrinterPortName(*c.platform, c.printerName), status);
@@ -20,6 +34,14 @@ bool ReadStatus(PageContext& c, store::ConnectionStatus& status) {
 
 FontsPageModel::FontsPageModel(PageContext& context, WindowId page)
     : context_(context), page_(page) {}
+
+std::span<const PageLabel> FontsPageModel::Labels() {
+    return kLabels;
+}
+
+std::span<const ControlTopic> FontsPageModel::ControlTopics() {
+    return kControlTopics;
+}
 
 FontFlowContext FontsPageModel::Flow() const {
     return FontFlowContext{*context_.platform, *context_.prompts, *context_.strings, page_,
@@ -37,15 +59,15 @@ bool FontsPageModel::Enabled(int control) const {
 
 std::u16string FontsPageModel::Text(int control) const {
     switch (control) {
-        case kIdSlot1Name:
+        case IDC_SBCS_SLOT1_NAME:
             return names_.sbcs1;
-        case kIdSlot2Name:
+        case IDC_SBCS_SLOT2_NAME:
             return names_.sbcs2;
-        case kIdThermalName:
+        case IDC_DBCS_THERMAL_NAME:
             return names_.dbcsThermal;
-        case kIdImpactName:
+        case IDC_DBCS_IMPACT_NAME:
             return names_.dbcsImpact;
-        case kIdStatus:
+        case IDC_PRINTER_STATUS:
             return status_;
         default:
             return {};
@@ -115,22 +137,22 @@ void FontsPageModel::Open() {
         case 7:
             if (channel::IsFlashWritable(p, context_.printerName)) {
                 dbcsChecked_ = true;
-                SetEnabled(kIdThermalGroup, kIdThermalLoad, true);
-                SetEnabled(kIdImpactGroup, kIdImpactLoad, status.modelCode == 2);
+                SetEnabled(IDC_DBCS_THERMAL_GROUP, IDC_DBCS_THERMAL_LOAD, true);
+                SetEnabled(IDC_DBCS_IMPACT_GROUP, IDC_DBCS_IMPACT_LOAD, status.modelCode == 2);
             } else {
-                SetEnabled(kIdThermalGroup, kIdImpactLoad, false);
+                SetEnabled(IDC_DBCS_THERMAL_GROUP, IDC_DBCS_IMPACT_LOAD, false);
             }
             break;
         case 9:
             if (channel::IsHaldenPrinterDBCSReady(p, context_.printerName)) {
                 dbcsChecked_ = true;
-                SetEnabled(kIdThermalGroup, kIdImpactLoad, true);
+                SetEnabled(IDC_DBCS_THERMAL_GROUP, IDC_DBCS_IMPACT_LOAD, true);
             } else {
-                SetEnabled(kIdThermalGroup, kIdImpactLoad, false);
+                SetEnabled(IDC_DBCS_THERMAL_GROUP, IDC_DBCS_IMPACT_LOAD, false);
             }
             break;
         default:
-            SetEnabled(kIdDbcsEnabled, kIdImpactLoad, false);
+            SetEnabled(IDC_DBCS_ENABLE, IDC_DBCS_IMPACT_LOAD, false);
             break;
     }
     status_ = PrinterStatusText(*context_.strings, &status);
@@ -140,7 +162,7 @@ void FontsPageModel::OnConnectionLost() {
     dbcsChecked_ = false;
     names_ = FontNames{};
     status_ = PrinterStatusText(*context_.strings, nullptr);
-    SetEnabled(kIdSlot1Label, kIdImpactLoad, false);
+    SetEnabled(IDC_SBCS_SLOT1_LABEL, IDC_DBCS_IMPACT_LOAD, false);
 }
 
 void FontsPageModel::Refresh() {
@@ -156,35 +178,35 @@ void FontsPageModel::OnDbcsEnabledClicked(bool nowChecked) {
         store::ConnectionStatus status;
         if (!ReadStatus(context_, status)) {
             // No printer to switch: nothing is sent, nothing can be loaded.
-            SetEnabled(kIdThermalGroup, kIdImpactLoad, false);
+            SetEnabled(IDC_DBCS_THERMAL_GROUP, IDC_DBCS_IMPACT_LOAD, false);
             return;
         }
         const std::uint32_t model = status.modelCode;
         if (!nowChecked) {
             if (model != 9)
                 channel::OutSetFlashWritable(p, context_.printerName, false);
-            SetEnabled(kIdThermalGroup, kIdImpactLoad, false);
+            SetEnabled(IDC_DBCS_THERMAL_GROUP, IDC_DBCS_IMPACT_LOAD, false);
             return;
         }
         switch (model) {
             case 2:
                 channel::OutSetFlashWritable(p, context_.printerName, true);
-                SetEnabled(kIdThermalGroup, kIdImpactLoad, true);
+                SetEnabled(IDC_DBCS_THERMAL_GROUP, IDC_DBCS_IMPACT_LOAD, true);
                 break;
             case 7:
                 channel::OutSetFlashWritable(p, context_.printerName, true);
-                SetEnabled(kIdThermalGroup, kIdThermalLoad, true);
+                SetEnabled(IDC_DBCS_THERMAL_GROUP, IDC_DBCS_THERMAL_LOAD, true);
                 break;
             case 9:
                 if (channel::IsHaldenPrinterDBCSReady(p, context_.printerName)) {
-                    SetEnabled(kIdThermalGroup, kIdImpactLoad, true);
+                    SetEnabled(IDC_DBCS_THERMAL_GROUP, IDC_DBCS_IMPACT_LOAD, true);
                 } else {
                     noMemory = true;
-                    SetEnabled(kIdThermalGroup, kIdImpactLoad, false);
+                    SetEnabled(IDC_DBCS_THERMAL_GROUP, IDC_DBCS_IMPACT_LOAD, false);
                 }
                 break;
             default:
-                SetEnabled(kIdImpactGroup, kIdImpactLoad, false);
+                SetEnabled(IDC_DBCS_IMPACT_GROUP, IDC_DBCS_IMPACT_LOAD, false);
                 break;
         }
     }

@@ -6,31 +6,18 @@
 
 #include <cstdint>
 #include <map>
+#include <span>
 #include <string>
 
-#include "pages/page_context.h"
 #include "fonts/font_download.h"
+#include "ids_device_pages.h"
+#include "pages/page_context.h"
+#include "pages/page_help.h"
+#include "pages/page_text.h"
 #include "platform/file_choice.h"
 #include "store/registry_layout.h"
 
 namespace kx20::fonts {
-
-// Controls.
-inline constexpr int kIdSlotsLabel = 1170;
-inline constexpr int kIdSlot1Label = 1171;
-inline constexpr int kIdSlot1Name = 1172;
-inline constexpr int kIdSlot1Capture = 1173;
-inline constexpr int kIdSlot2Label = 1174;
-inline constexpr int kIdSlot2Name = 1175;
-inline constexpr int kIdSlot2Capture = 1176;
-inline constexpr int kIdDbcsEnabled = 1177;
-inline constexpr int kIdThermalGroup = 1178;
-inline constexpr int kIdThermalName = 1179;
-inline constexpr int kIdThermalLoad = 1180;
-inline constexpr int kIdImpactGroup = 1181;
-inline constexpr int kIdImpactName = 1182;
-inline constexpr int kIdImpactLoad = 1183;
-inline constexpr int kIdStatus = 1213;
 
 // The box shown when a model-9 printer has no room for double-byte fonts (the system's own
 // texts, not the resource module's).
@@ -42,6 +29,11 @@ class FontsPageModel {
   public:
     // `page` is the page's window: owner of its boxes and sender of its broadcasts.
     FontsPageModel(PageContext& context, WindowId page);
+
+    // The labels set at start, the help topic of the page and the popup topic of each control.
+    static std::span<const PageLabel> Labels();
+    static constexpr std::uint32_t kPageTopic = 2060;
+    static std::span<const ControlTopic> ControlTopics();
 
     // Opening, and again when the printer on the port has changed: reconcile, names, switches.
     void Open();

@@ -14,15 +14,15 @@ namespace {
 // The `LogSettings` bit of a check box; 0 for any other control.
 std::uint32_t BitOf(int controlId) {
     switch (controlId) {
-        case control::kLoggingOn:
+        case IDC_LOG_ENABLE:
             return kLoggingOnBit;
-        case control::kApiLog:
+        case IDC_LOG_API:
             return kApiLogBit;
-        case control::kPrintingLog:
+        case IDC_LOG_PRINTING:
             return kPrintingLogBit;
-        case control::kPortIOLog:
+        case IDC_LOG_PORT_IO:
             return kPortIOLogBit;
-        case control::kRestoreCfgLog:
+        case IDC_LOG_RESTORE:
             return kRestoreCfgLogBit;
     }
     return 0;
@@ -31,38 +31,39 @@ std::uint32_t BitOf(int controlId) {
 constexpr std::uint32_t kAllBits =
     kLoggingOnBit | kApiLogBit | kPrintingLogBit | kPortIOLogBit | kRestoreCfgLogBit;
 
+constexpr PageLabel kLabels[] = {
+    {IDC_LOG_ENABLE, IDC_LOG_ENABLE},
+    {IDC_LOG_FOLDER_LABEL, IDC_LOG_FOLDER_LABEL},
+    {IDC_LOG_BROWSE, IDC_LOG_BROWSE},
+    {IDC_LOG_KINDS, IDC_LOG_KINDS},
+    {IDC_LOG_API, IDC_LOG_API},
+    {IDC_LOG_PRINTING, IDC_LOG_PRINTING},
+    {IDC_LOG_PORT_IO, IDC_LOG_PORT_IO},
+    {IDC_LOG_RESTORE, IDC_LOG_RESTORE},
+    {IDC_LOG_WRAP_LABEL, IDC_LOG_WRAP_LABEL},
+    {IDC_LOG_WRAP_UNIT, IDC_LOG_WRAP_UNIT},
+};
+
+constexpr ControlTopic kControlTopics[] = {
+    {IDC_LOG_ENABLE, 6300},     {IDC_LOG_FOLDER_LABEL, 6310}, {IDC_LOG_FOLDER, 6310},
+    {IDC_LOG_BROWSE, 6320},     {IDC_LOG_API, 6330},          {IDC_LOG_PRINTING, 6340},
+    {IDC_LOG_PORT_IO, 6350},    {IDC_LOG_RESTORE, 6360},      {IDC_LOG_WRAP_LABEL, 6370},
+    {IDC_LOG_WRAP_SIZE, 6370},  {IDC_LOG_WRAP_SPIN, 6370},    {IDC_LOG_WRAP_UNIT, 6370},
+    {IDC_PRINTER_STATUS, 4010},
+};
+
 bool IsBlank(char16_t c) {
     return c == u' ' || c == u'\t';
 }
 
 }  // namespace
 
-std::uint32_t HelpContextOf(int controlId) {
-    switch (controlId) {
-        case 1200:
-            return 6300;
-        case 1201:
-        case 1202:
-            return 6310;
-        case 1203:
-            return 6320;
-        case 1205:
-            return 6330;
-        case 1206:
-            return 6340;
-        case 1207:
-            return 6350;
-        case 1208:
-            return 6360;
-        case 1209:
-        case 1210:
-        case 1211:
-        case 1212:
-            return 6370;
-        case 1213:
-            return 4010;
-    }
-    return 0;
+std::span<const PageLabel> LogSettingsPageModel::Labels() {
+    return kLabels;
+}
+
+std::span<const ControlTopic> LogSettingsPageModel::ControlTopics() {
+    return kControlTopics;
 }
 
 std::uint32_t NumberShown(std::u16string_view text) {
@@ -82,11 +83,11 @@ std::uint32_t NumberShown(std::u16string_view text) {
     return static_cast<std::uint32_t>(value);
 }
 
-LogSettingsPage::LogSettingsPage(Platform& platform, ResourceStrings& strings,
-                                 std::u16string printerName)
+LogSettingsPageModel::LogSettingsPageModel(Platform& platform, ResourceStrings& strings,
+                                           std::u16string printerName)
     : p_(platform), strings_(strings), printer_(std::move(printerName)) {}
 
-void LogSettingsPage::Open() {
+void LogSettingsPageModel::Open() {
     std::uint32_t settings = 0;
     if (store::GetLogSettings(p_, printer_, settings)) {
         checks_ = settings & kAllBits;
@@ -112,25 +113,25 @@ void LogSettingsPage::Open() {
     RefreshStatus();
 }
 
-void LogSettingsPage::RefreshStatus() {
+void LogSettingsPageModel::RefreshStatus() {
     store::ConnectionStatus status;
     const bool available =
         store::GetConnectionStatus(p_, store::PrinterPortName(p_, printer_), status);
     status_ = PrinterStatusText(strings_, available ? &status : nullptr);
 }
 
-bool LogSettingsPage::Checked(int controlId) const {
+bool LogSettingsPageModel::Checked(int controlId) const {
     const std::uint32_t bit = BitOf(controlId);
     return bit != 0 && (checks_ & bit) != 0;
 }
 
-bool LogSettingsPage::Enabled(int controlId) const {
-    if (controlId >= control::kFolderLabel && controlId <= control::kWrapUnit)
-        return Checked(control::kLoggingOn);
+bool LogSettingsPageModel::Enabled(int controlId) const {
+    if (controlId >= IDC_LOG_FOLDER_LABEL && controlId <= IDC_LOG_WRAP_UNIT)
+        return Checked(IDC_LOG_ENABLE);
     return true;
 }
 
-void LogSettingsPage::Click(int controlId, bool checked) {
+void LogSettingsPageModel::Click(int controlId, bool checked) {
     const std::uint32_t bit = BitOf(controlId);
     if (bit == 0)
         return;
@@ -143,7 +144,7 @@ void LogSettingsPage::Click(int controlId, bool checked) {
     checks_ = checked ? (checks_ | bit) : (checks_ & ~bit);
 }
 
-bool LogSettingsPage::Browse(const FolderPicker& pick) {
+bool LogSettingsPageModel::Browse(const FolderPicker& pick) {
     std::u16string current;
     if (!store::GetLogPath(p_, printer_, current) || current.empty()) {
         current = DefaultLogFolder(p_.files);
@@ -162,7 +163,7 @@ bool LogSettingsPage::Browse(const FolderPicker& pick) {
     return true;
 }
 
-bool LogSettingsPage::Step(int delta) {
+bool LogSettingsPageModel::Step(int delta) {
     const std::uint32_t shown = NumberShown(wrapText_);
     std::uint32_t next = shown;
     if (delta < 0)
@@ -175,12 +176,12 @@ bool LogSettingsPage::Step(int delta) {
     return true;
 }
 
-void LogSettingsPage::WrapTextChanged(std::u16string_view text) {
+void LogSettingsPageModel::WrapTextChanged(std::u16string_view text) {
     wrapText_ = std::u16string(text);
     store::SetLogWrapSize(p_, printer_, NumberShown(wrapText_));
 }
 
-void LogSettingsPage::WrapFocusLost() {
+void LogSettingsPageModel::WrapFocusLost() {
     const std::uint32_t shown = NumberShown(wrapText_);
     if (shown > kMaxWrapSizeKb)
         ShowWrapSize(kMaxWrapSizeKb);
@@ -189,7 +190,7 @@ void LogSettingsPage::WrapFocusLost() {
 }
 
 // Showing a number changes the edit's text, and every change of it is stored.
-void LogSettingsPage::ShowWrapSize(std::uint32_t kb) {
+void LogSettingsPageModel::ShowWrapSize(std::uint32_t kb) {
     WrapTextChanged(DecimalText(kb));
 }
 

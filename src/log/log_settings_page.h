@@ -4,54 +4,37 @@
 // what the model holds and passes the user's actions on.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
+#include "ids_device_pages.h"
+#include "pages/page_help.h"
+#include "pages/page_text.h"
 #include "platform/platform.h"
 #include "platform/resources.h"
 
 namespace kx20::logs {
 
-// Controls of the page's dialog template (1011).
-namespace control {
-inline constexpr int kLoggingOn = 1200;  // check box, the master switch
-inline constexpr int kFolderLabel = 1201;
-inline constexpr int kFolder = 1202;  // the log folder
-inline constexpr int kBrowse = 1203;
-inline constexpr int kLogsLabel = 1204;
-inline constexpr int kApiLog = 1205;  // check boxes of the four logs
-inline constexpr int kPrintingLog = 1206;
-inline constexpr int kPortIOLog = 1207;
-inline constexpr int kRestoreCfgLog = 1208;
-inline constexpr int kWrapLabel = 1209;
-inline constexpr int kWrapSize = 1210;  // edit, digits only
-inline constexpr int kWrapSpin = 1211;  // its up-down control
-inline constexpr int kWrapUnit = 1212;
-inline constexpr int kStatus = 1213;  // connection status line
-}  // namespace control
-
-// Controls whose text is the resource string of the same number.
-inline constexpr std::array<int, 10> kLabelledControls = {1200, 1201, 1203, 1204, 1205,
-                                                          1206, 1207, 1208, 1209, 1212};
 inline constexpr std::size_t kWrapSizeChars = 5;  // the edit's limit
 inline constexpr std::uint32_t kBrowseTitleId = 2207;
 inline constexpr std::uint32_t kBrowseFlags = 6;  // file-system folders only, with edit box
-inline constexpr std::uint32_t kPageHelpContext = 2080;
-
-// The pop-up help context of a control; 0 for a control without one.
-std::uint32_t HelpContextOf(int controlId);
 
 // Asks the user for a folder, starting at `start`; nothing when the user cancels.
 using FolderPicker = std::function<std::optional<std::u16string>(std::u16string_view title,
                                                                  std::u16string_view start)>;
 
-class LogSettingsPage {
+class LogSettingsPageModel {
   public:
-    LogSettingsPage(Platform& platform, ResourceStrings& strings, std::u16string printerName);
+    LogSettingsPageModel(Platform& platform, ResourceStrings& strings, std::u16string printerName);
+
+    // The labels set at start, the help topic of the page and the popup topic of each control.
+    static std::span<const PageLabel> Labels();
+    static constexpr std::uint32_t kPageTopic = 2080;
+    static std::span<const ControlTopic> ControlTopics();
 
     // Opening: the check boxes from `LogSettings` (0 written when it cannot be read), the folder
     // from `LogPath` (the default folder made and stored when it cannot be read), the wrap size

@@ -17,7 +17,7 @@ class FontsPage : public DevicePageTest {
     // Enabled states of 1170 to 1183, as a string of 0 and 1.
     std::string Enablement() const {
         std::string out;
-        for (int id = kIdSlotsLabel; id <= kIdImpactLoad; ++id)
+        for (int id = IDC_SBCS_GROUP; id <= IDC_DBCS_IMPACT_LOAD; ++id)
             out += model.Enabled(id) ? '1' : '0';
         return out;
     }
@@ -55,7 +55,7 @@ TEST_F(FontsPage, WithoutAUsablePrinterOnlyTheFirstLabelStaysEnabled) {
     printer.Control(u"invalidate");
     model.Open();
     EXPECT_EQ(Enablement(), "10000000000000");
-    EXPECT_EQ(model.Text(kIdStatus), Str(kStringStatusNoPrinter));
+    EXPECT_EQ(model.Text(IDC_PRINTER_STATUS), Str(kStringStatusNoPrinter));
     EXPECT_FALSE(model.DbcsChecked());
     EXPECT_TRUE(monitor.calls.empty());
 
@@ -63,26 +63,26 @@ TEST_F(FontsPage, WithoutAUsablePrinterOnlyTheFirstLabelStaysEnabled) {
     printer.Control(u"firmware=0");
     model.Open();
     EXPECT_EQ(Enablement(), "10000000000000");
-    EXPECT_EQ(model.Text(kIdThermalName), u"");
+    EXPECT_EQ(model.Text(IDC_DBCS_THERMAL_NAME), u"");
 }
 
 TEST_F(FontsPage, OpeningKeepsWhatAgreesAndErasesWhatDoesNot) {
     FillPrinterAndCatalogue();
     model.Open();
     EXPECT_TRUE(Erased().empty());
-    EXPECT_EQ(model.Text(kIdThermalName), u"thermal.fon");
-    EXPECT_EQ(model.Text(kIdImpactName), u"impact.fon");
-    EXPECT_EQ(model.Text(kIdSlot2Name), u"Courier");
-    EXPECT_EQ(model.Text(kIdSlot1Name), u"");
+    EXPECT_EQ(model.Text(IDC_DBCS_THERMAL_NAME), u"thermal.fon");
+    EXPECT_EQ(model.Text(IDC_DBCS_IMPACT_NAME), u"impact.fon");
+    EXPECT_EQ(model.Text(IDC_SBCS_SLOT2_NAME), u"Courier");
+    EXPECT_EQ(model.Text(IDC_SBCS_SLOT1_NAME), u"");
 
     // The impact station disagrees: the double-byte area and its entries go.
     store::SetDBCSFontCRC(p, kPrinter, Identity(), 0x55, false);
     monitor.calls.clear();
     model.Open();
     EXPECT_EQ(Erased(), std::vector<int>{6});
-    EXPECT_EQ(model.Text(kIdThermalName), u"");
-    EXPECT_EQ(model.Text(kIdImpactName), u"");
-    EXPECT_EQ(model.Text(kIdSlot2Name), u"Courier");
+    EXPECT_EQ(model.Text(IDC_DBCS_THERMAL_NAME), u"");
+    EXPECT_EQ(model.Text(IDC_DBCS_IMPACT_NAME), u"");
+    EXPECT_EQ(model.Text(IDC_SBCS_SLOT2_NAME), u"Courier");
     EXPECT_TRUE(printer.state().flash.dbcsThermal.empty());
 }
 
@@ -101,7 +101,7 @@ TEST_F(FontsPage, ACatalogueWithoutChecksumsErasesOnlyTheSingleByteArea) {
     monitor.calls.clear();
     model.Open();
     EXPECT_EQ(Erased(), std::vector<int>{4});
-    EXPECT_EQ(model.Text(kIdThermalName), u"thermal.fon");
+    EXPECT_EQ(model.Text(IDC_DBCS_THERMAL_NAME), u"thermal.fon");
     EXPECT_FALSE(printer.state().flash.dbcsThermal.empty());
 }
 
@@ -129,7 +129,7 @@ TEST_F(FontsPage, DoubleByteControlsFollowTheModel) {
         EXPECT_EQ(model.DbcsChecked(), c.checked);
         EXPECT_EQ(Enablement(), c.enabled);
     }
-    EXPECT_EQ(model.Text(kIdStatus), u"Printer: " + Str(2214));
+    EXPECT_EQ(model.Text(IDC_PRINTER_STATUS), u"Printer: " + Str(2214));
 }
 
 TEST_F(FontsPage, TheDoubleByteSwitch) {
@@ -169,21 +169,21 @@ TEST_F(FontsPage, TheDoubleByteSwitch) {
 
     printer.Control(u"model=4");
     model.OnDbcsEnabledClicked(true);
-    EXPECT_FALSE(model.Enabled(kIdImpactLoad));
+    EXPECT_FALSE(model.Enabled(IDC_DBCS_IMPACT_LOAD));
     EXPECT_EQ(prompts.broadcasts.size(), 4u);
 }
 
 TEST_F(FontsPage, RefreshAndLoadShowTheNewNames) {
     model.Open();
     RecordFont(true, u"other.fon", 5);
-    EXPECT_EQ(model.Text(kIdThermalName), u"");
+    EXPECT_EQ(model.Text(IDC_DBCS_THERMAL_NAME), u"");
     model.Refresh();
-    EXPECT_EQ(model.Text(kIdThermalName), u"other.fon");
+    EXPECT_EQ(model.Text(IDC_DBCS_THERMAL_NAME), u"other.fon");
 
     files.Put(u"C:\\f.fon", testfiles::FonFile().Dbcs(0x81, 0x40).Build());
     model.LoadDbcsFont(
         true, [](const FileDialogRequest&) { return std::optional<std::u16string>(u"C:\\f.fon"); });
-    EXPECT_EQ(model.Text(kIdThermalName), u"f.fon");
+    EXPECT_EQ(model.Text(IDC_DBCS_THERMAL_NAME), u"f.fon");
     EXPECT_EQ(prompts.broadcasts.back().sender, kPage);
 }
 

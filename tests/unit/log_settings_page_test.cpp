@@ -35,7 +35,7 @@ class LogSettingsPageTest : public ::testing::Test, protected MemoryPlatform {
     }
 
     BuiltinStrings strings;
-    LogSettingsPage page{p, strings, kPrinter};
+    LogSettingsPageModel page{p, strings, kPrinter};
 };
 
 TEST_F(LogSettingsPageTest, FirstOpenStoresTheDefaultsAndDisablesAllButTheSwitch) {

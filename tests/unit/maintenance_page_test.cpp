@@ -16,8 +16,9 @@ class MaintenancePage : public DevicePageTest {
   protected:
     std::string Enablement() const {
         std::string out;
-        for (int id : {kIdAbout, kIdFileLabel, kIdFilePath, kIdBrowse, kIdUpdate, kIdLastPrinter,
-                       kIdMaintenance, kIdClearAll, kIdStatus})
+        for (int id : {IDC_ABOUT_BUTTON, IDC_FIRMWARE_LABEL, IDC_FIRMWARE_PATH, IDC_FIRMWARE_BROWSE,
+                       IDC_FIRMWARE_UPDATE, IDC_LAST_PRINTER, IDC_MAINTENANCE, IDC_CLEAR_ALL,
+                       IDC_PRINTER_STATUS})
             out += model.Enabled(id) ? '1' : '0';
         return out;
     }
@@ -43,14 +44,14 @@ TEST_F(MaintenancePage, WithoutAStatusOnlyTheAboutButtonIsUsable) {
     model.Open();
     EXPECT_EQ(Enablement(), "100000001");
     EXPECT_FALSE(model.LastPrinterChecked());
-    EXPECT_EQ(model.Focus(), kIdAbout);
-    EXPECT_EQ(model.Text(kIdStatus), Str(kStringStatusNoPrinter));
+    EXPECT_EQ(model.Focus(), IDC_ABOUT_BUTTON);
+    EXPECT_EQ(model.Text(IDC_PRINTER_STATUS), Str(kStringStatusNoPrinter));
 
     printer.Control(u"publish");
     printer.Control(u"firmware=0");
     model.Open();
     EXPECT_EQ(Enablement(), "111111111");
-    EXPECT_EQ(model.Text(kIdStatus),
+    EXPECT_EQ(model.Text(IDC_PRINTER_STATUS),
               u"Printer: " + Str(2218) + Str(kStringStatusNoFirmware));
 }
 
@@ -62,18 +63,18 @@ TEST_F(MaintenancePage, TheLastPrinterFlagIsStoredAsClickedEvenWhenDeclined) {
     EXPECT_TRUE(store::GetLastPrinterFlag(p, kPort));  // deliberately stored as set
     EXPECT_EQ(prompts.boxes[0].text,
               u"This changes the printer on port KX20_USB1. Do you want to continue?");
-    EXPECT_TRUE(model.Enabled(kIdMaintenance));
+    EXPECT_TRUE(model.Enabled(IDC_MAINTENANCE));
 
     prompts.answers = {box::kIdYes};
     model.OnLastPrinterClicked(true);
     EXPECT_TRUE(model.LastPrinterChecked());
-    EXPECT_FALSE(model.Enabled(kIdMaintenance));
+    EXPECT_FALSE(model.Enabled(IDC_MAINTENANCE));
     model.Open();
     EXPECT_TRUE(model.LastPrinterChecked());
-    EXPECT_FALSE(model.Enabled(kIdMaintenance));
+    EXPECT_FALSE(model.Enabled(IDC_MAINTENANCE));
 
     model.OnLastPrinterClicked(false);
-    EXPECT_TRUE(model.Enabled(kIdMaintenance));
+    EXPECT_TRUE(model.Enabled(IDC_MAINTENANCE));
     EXPECT_FALSE(store::GetLastPrinterFlag(p, kPort));
     EXPECT_EQ(prompts.boxes.size(), 2u);
 }
@@ -89,7 +90,7 @@ TEST_F(MaintenancePage, UpdateAsksWithTheLevelsAndFlashes) {
         return std::optional<std::u16string>(u"C:\\fw\\kx20.bin");
     });
     EXPECT_EQ(seen.titleId, kStringFirmwareTitle);
-    EXPECT_EQ(model.Text(kIdFilePath), u"C:\\fw\\kx20.bin");
+    EXPECT_EQ(model.Text(IDC_FIRMWARE_PATH), u"C:\\fw\\kx20.bin");
     std::u16string folder;
     store::GetFirmwarePath(p, kPrinter, folder);
     EXPECT_EQ(folder.c_str(), std::u16string(u"C:\\fw"));
@@ -107,8 +108,8 @@ TEST_F(MaintenancePage, UpdateAsksWithTheLevelsAndFlashes) {
     ASSERT_EQ(prompts.boxes.size(), 3u);
     EXPECT_EQ(prompts.boxes[2].text, Str(kStringFlashDone));
     EXPECT_EQ(prompts.boxes[2].style, box::kOk | box::kIconInformation);
-    EXPECT_EQ(model.Text(kIdFilePath), u"");
-    EXPECT_EQ(model.Focus(), kIdBrowse);
+    EXPECT_EQ(model.Text(IDC_FIRMWARE_PATH), u"");
+    EXPECT_EQ(model.Focus(), IDC_FIRMWARE_BROWSE);
     EXPECT_EQ(prompts.waits, 1);
 
     // An empty path or a file that does not fit does nothing at all.

@@ -63,7 +63,7 @@ TEST_F(OptionsPage, ChangesReachTheirFieldsAndTheChoiceOnlyInTheSecondMode) {
     EXPECT_EQ(ReadU32(Priv(), kPrivOptionFlag60), 0u);
     EXPECT_EQ(ReadU32(Priv(), kPrivOptionFlag64), 0u);
     EXPECT_EQ(ReadU32(Priv(), kPrivOptionFlag68), 1u);
-    EXPECT_EQ(ReadU32(Priv(), kPrivOptionChoice76), 4u);
+    EXPECT_EQ(ReadU32(Priv(), kPrivDensity), 4u);
     EXPECT_EQ(StoredFont(), Over(u"Font B"));
     EXPECT_TRUE(Traced("GuiOptionsDlgProc(NOTIFY/APPLY): pDocUI->dmpprivate.bCutPaper=0\n"));
 
@@ -79,7 +79,7 @@ TEST_F(OptionsPage, ChangesReachTheirFieldsAndTheChoiceOnlyInTheSecondMode) {
 TEST_F(OptionsPage, OutOfRangeStoredChoicesShowSensibleEntries) {
     WriteU32(Priv(), kPrivOptionsModeFlag, 0);
     WriteU32(Priv(), kPrivOptionsChoice, 7);
-    WriteU32(Priv(), kPrivOptionChoice76, 99);
+    WriteU32(Priv(), kPrivDensity, 99);
     WriteUtf16Field(Priv(), kPrivFontOverrideName, 256, u"Override using Font Z");
     OptionsPageModel page(ctx);
     page.Init(nullptr);
@@ -95,7 +95,7 @@ TEST_F(OptionsPage, FlowListFollowsThePortConnectionType) {
         SCOPED_TRACE(type);
         SetPortType(type);
         ctx.pageCopy = gsDevMode();
-        WriteU32(Priv(), kPrivOptionChoice72, 0);
+        WriteU32(Priv(), kPrivFlow, 0);
         OptionsPageModel page(ctx);
         page.Init(nullptr);
         const bool offered = type == 3 || type == 5 || type == 7;
@@ -103,11 +103,11 @@ TEST_F(OptionsPage, FlowListFollowsThePortConnectionType) {
         EXPECT_EQ(page.FlowSelection(), offered ? 0 : 1);
         page.SelectFlow(0);
         page.Apply(nullptr);
-        EXPECT_EQ(ReadU32(Priv(), kPrivOptionChoice72), offered ? 0u : 2u);
+        EXPECT_EQ(ReadU32(Priv(), kPrivFlow), offered ? 0u : 2u);
         if (offered) {
             page.SelectFlow(1);
             page.Apply(nullptr);
-            EXPECT_EQ(ReadU32(Priv(), kPrivOptionChoice72), 1u);
+            EXPECT_EQ(ReadU32(Priv(), kPrivFlow), 1u);
         }
     }
     // No port key at all: the configuration cannot be read.

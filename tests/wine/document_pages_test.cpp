@@ -165,7 +165,7 @@ TEST_F(DocumentSheet, OptionsChangedInTheSheetReachThePageCopy) {
     EXPECT_EQ(Text(options, IDC_OPT_MODE_GROUP), String(1060));
     EXPECT_EQ(IsDlgButtonChecked(options, IDC_OPT_MODE_FIRST), BST_CHECKED);
     EXPECT_FALSE(IsWindowEnabled(GetDlgItem(options, IDC_OPT_CHOICE)));
-    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(options, IDC_OPT_LIST_72)))
+    EXPECT_FALSE(IsWindowEnabled(GetDlgItem(options, IDC_OPT_FLOW)))
         << "the simulated USB port offers no flow control";
     EXPECT_EQ(Items(options, IDC_OPT_FONT)[0], L"Do not override font");
 
@@ -176,7 +176,7 @@ TEST_F(DocumentSheet, OptionsChangedInTheSheetReachThePageCopy) {
     Choose(options, IDC_OPT_CHOICE, 2);
     Click(options, IDC_OPT_CUT_PAPER);
     Click(options, IDC_OPT_FLAG_56);
-    Choose(options, IDC_OPT_LIST_76, 4);
+    Choose(options, IDC_OPT_DENSITY, 4);
     Choose(options, IDC_OPT_FONT, 4);
     Apply();
 
@@ -184,8 +184,8 @@ TEST_F(DocumentSheet, OptionsChangedInTheSheetReachThePageCopy) {
     EXPECT_EQ(ReadU32(Priv(), kPrivOptionsChoice), 2u);
     EXPECT_EQ(ReadU32(Priv(), kPrivBCutPaper), 0u);
     EXPECT_EQ(ReadU32(Priv(), kPrivOptionFlag56), 1u);
-    EXPECT_EQ(ReadU32(Priv(), kPrivOptionChoice72), 2u);
-    EXPECT_EQ(ReadU32(Priv(), kPrivOptionChoice76), 4u);
+    EXPECT_EQ(ReadU32(Priv(), kPrivFlow), 2u);
+    EXPECT_EQ(ReadU32(Priv(), kPrivDensity), 4u);
     EXPECT_EQ(ReadUtf16Field(Priv(), kPrivFontOverrideName, 256), u"Override using Font B");
     EXPECT_EQ(ctx_.applyState.bOptionsCutPaper, 0u) << "the record on the sheet frame";
     EXPECT_EQ(ctx_.applyState.fontOverrideText, u"Override using Font B");

@@ -83,10 +83,10 @@ class OptionsDialog {
         SetControlText(hwnd_, IDC_OPT_CUT_PAPER, PageString(ctx_, model_.CutPaperLabel()));
         CheckControl(hwnd_, IDC_OPT_CUT_PAPER, model_.CutPaper());
         for (std::size_t i = 0; i < 4; ++i) CheckControl(hwnd_, kFlagControls[i], model_.Flag(i));
-        FillList(hwnd_, IDC_OPT_LIST_72, model_.FlowEntries(), model_.FlowSelection());
-        EnableControl(hwnd_, IDC_OPT_LIST_72, model_.FlowEnabled());
-        EnableControl(hwnd_, IDC_OPT_LIST_72_LABEL, model_.FlowEnabled());
-        FillList(hwnd_, IDC_OPT_LIST_76, model_.DensityEntries(), model_.DensitySelection());
+        FillList(hwnd_, IDC_OPT_FLOW, model_.FlowEntries(), model_.FlowSelection());
+        EnableControl(hwnd_, IDC_OPT_FLOW, model_.FlowEnabled());
+        EnableControl(hwnd_, IDC_OPT_FLOW_LABEL, model_.FlowEnabled());
+        FillList(hwnd_, IDC_OPT_DENSITY, model_.DensityEntries(), model_.DensitySelection());
         FillList(hwnd_, IDC_OPT_FONT, model_.FontEntries(), model_.FontSelection());
         const std::u16string summary = model_.SummaryText(FrameApplyState(hwnd_));
         SetControlText(hwnd_, IDC_OPT_SUMMARY, summary);
@@ -123,10 +123,10 @@ class OptionsDialog {
             case IDC_OPT_CHOICE:
                 model_.SelectChoice(selection);
                 break;
-            case IDC_OPT_LIST_72:
+            case IDC_OPT_FLOW:
                 model_.SelectFlow(selection);
                 break;
-            case IDC_OPT_LIST_76:
+            case IDC_OPT_DENSITY:
                 model_.SelectDensity(selection);
                 break;
             case IDC_OPT_FONT:

@@ -1,9 +1,10 @@
 // GuiMaintenanceDlgProc: the maintenance page (1010) over its model, and its About button.
-#include "pages/win32/page_window.h"
-#include "pages/win32/page_procs.h"
 #include "firmware/maintenance_page.h"
 #include "pages/device_pages.h"
+#include "pages/echo_guard.h"
 #include "pages/win32/about_box.h"
+#include "pages/win32/page_procs.h"
+#include "pages/win32/page_window.h"
 #include "platform/win32/win32_file_dialogs.h"
 #include "store/registry_layout.h"
 
@@ -13,34 +14,9 @@ namespace {
 
 using namespace firmware;
 
-constexpr DWORD kPageHelp = 2070;
-
-constexpr int kModelControls[] = {kIdFileLabel,   kIdFilePath,    kIdBrowse,  kIdUpdate,
-                                  kIdLastPrinter, kIdMaintenance, kIdClearAll};
-
-DWORD ControlHelp(int control) {
-    switch (control) {
-        case 1049:
-            return 4000;
-        case 1190:
-        case 1191:
-            return 6200;
-        case 1192:
-            return 6210;
-        case 1193:
-            return 6220;
-        case 1194:
-            return 6230;
-        case 1195:
-            return 6240;
-        case 1196:
-            return 6250;
-        case 1213:
-            return 4010;
-        default:
-            return 0;
-    }
-}
+constexpr int kModelControls[] = {IDC_FIRMWARE_LABEL,  IDC_FIRMWARE_PATH, IDC_FIRMWARE_BROWSE,
+                                  IDC_FIRMWARE_UPDATE, IDC_LAST_PRINTER,  IDC_MAINTENANCE,
+                                  IDC_CLEAR_ALL};
 
 class MaintenanceDialog : public DevicePage {
   public:
@@ -58,28 +34,29 @@ class MaintenanceDialog : public DevicePage {
     }
 
     void OnInit() {
-        LabelControlsFromStrings(hwnd_, ctx_);
-        SendDlgItemMessageW(hwnd_, kIdFilePath, EM_LIMITTEXT, store::kPathChars - 1, 0);
+        SetLabels(hwnd_, ctx_, MaintenancePageModel::Labels());
+        SendDlgItemMessageW(hwnd_, IDC_FIRMWARE_PATH, EM_LIMITTEXT, store::kPathChars - 1, 0);
         model_.Open();
         ShowAll();
         if (ctx_.devicePages)
             ctx_.devicePages->Attach(DevicePageSlot::Maintenance, this);
     }
     void OnApply() {}
-    void ShowHelp() { ShowPageHelp(hwnd_, ctx_, kPageHelp); }
+    void ShowHelp() { ShowPageHelp(hwnd_, ctx_, MaintenancePageModel::kPageTopic); }
 
     bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
         if (message == WM_HELP) {
             const auto* info = reinterpret_cast<const HELPINFO*>(lParam);
-            ShowControlHelp(static_cast<HWND>(info->hItemHandle), ctx_, ControlHelp(info->iCtrlId));
+            ShowControlHelp(static_cast<HWND>(info->hItemHandle), ctx_,
+                            TopicOf(MaintenancePageModel::ControlTopics(), info->iCtrlId));
             result = TRUE;
             return true;
         }
         if (message != WM_COMMAND)
             return false;
         const int control = LOWORD(wParam);
-        if (control == kIdFilePath && HIWORD(wParam) == EN_CHANGE && !showing_)
-            model_.SetFilePath(ControlText(hwnd_, kIdFilePath));
+        if (control == IDC_FIRMWARE_PATH && HIWORD(wParam) == EN_CHANGE && !filling_.Filling())
+            model_.SetFilePath(ControlText(hwnd_, IDC_FIRMWARE_PATH));
         else if (HIWORD(wParam) == BN_CLICKED)
             OnClick(control);
         return false;
@@ -87,7 +64,7 @@ class MaintenanceDialog : public DevicePage {
 
     // DevicePage.
     void SetStatusText(std::u16string_view text) override {
-        SetControlText(hwnd_, kIdStatus, text);
+        SetControlText(hwnd_, IDC_PRINTER_STATUS, text);
     }
     void OnConnectionLost() override {
         model_.OnConnectionLost();
@@ -102,22 +79,22 @@ class MaintenanceDialog : public DevicePage {
   private:
     void OnClick(int control) {
         switch (control) {
-            case kIdBrowse:
+            case IDC_FIRMWARE_BROWSE:
                 model_.Browse(Win32FileChooser(hwnd_, *ctx_.strings));
                 break;
-            case kIdUpdate:
+            case IDC_FIRMWARE_UPDATE:
                 model_.Update();
                 break;
-            case kIdLastPrinter:
-                model_.OnLastPrinterClicked(IsChecked(hwnd_, kIdLastPrinter));
+            case IDC_LAST_PRINTER:
+                model_.OnLastPrinterClicked(IsChecked(hwnd_, IDC_LAST_PRINTER));
                 break;
-            case kIdMaintenance:
+            case IDC_MAINTENANCE:
                 model_.Maintenance();
                 break;
-            case kIdClearAll:
+            case IDC_CLEAR_ALL:
                 model_.ClearAll();
                 break;
-            case kIdAbout:
+            case IDC_ABOUT_BUTTON:
                 ShowAboutBox(templates_, hwnd_, reinterpret_cast<LPARAM>(&ctx_));
                 return;
             default:
@@ -131,11 +108,12 @@ class MaintenanceDialog : public DevicePage {
     }
 
     void ShowAll() {
-        showing_ = true;
-        SetControlText(hwnd_, kIdFilePath, model_.Text(kIdFilePath));
-        showing_ = false;
-        SetControlText(hwnd_, kIdStatus, model_.Text(kIdStatus));
-        CheckControl(hwnd_, kIdLastPrinter, model_.LastPrinterChecked());
+        {
+            EchoGuard echo(filling_);
+            SetControlText(hwnd_, IDC_FIRMWARE_PATH, model_.Text(IDC_FIRMWARE_PATH));
+        }
+        SetControlText(hwnd_, IDC_PRINTER_STATUS, model_.Text(IDC_PRINTER_STATUS));
+        CheckControl(hwnd_, IDC_LAST_PRINTER, model_.LastPrinterChecked());
         ShowEnablement();
         if (model_.Focus() != 0)
             SendMessageW(hwnd_, WM_NEXTDLGCTL,
@@ -146,7 +124,7 @@ class MaintenanceDialog : public DevicePage {
     PageContext& ctx_;
     MaintenancePageModel model_;
     HINSTANCE templates_;
-    bool showing_ = false;
+    EchoGuard::Flag filling_;  // the page writes the path it shows into its edit
 };
 
 }  // namespace

@@ -14,45 +14,13 @@ namespace {
 
 using namespace fonts;
 
-constexpr DWORD kPageHelp = 2060;
-
 // Every control the model decides on; the capture buttons are not among them.
-constexpr int kModelControls[] = {kIdSlot1Label,  kIdSlot1Name,    kIdSlot2Label,  kIdSlot2Name,
-                                  kIdDbcsEnabled, kIdThermalGroup, kIdThermalName, kIdThermalLoad,
-                                  kIdImpactGroup, kIdImpactName,   kIdImpactLoad};
-constexpr int kTextControls[] = {kIdSlot1Name, kIdSlot2Name, kIdThermalName, kIdImpactName,
-                                 kIdStatus};
-
-DWORD ControlHelp(int control) {
-    switch (control) {
-        case 1171:
-        case 1172:
-            return 6000;
-        case 1173:
-            return 6010;
-        case 1174:
-        case 1175:
-            return 6020;
-        case 1176:
-            return 6030;
-        case 1177:
-            return 6040;
-        case 1178:
-        case 1179:
-            return 6050;
-        case 1180:
-            return 6060;
-        case 1181:
-        case 1182:
-            return 6070;
-        case 1183:
-            return 6080;
-        case 1213:
-            return 4010;
-        default:
-            return 0;
-    }
-}
+constexpr int kModelControls[] = {
+    IDC_SBCS_SLOT1_LABEL,  IDC_SBCS_SLOT1_NAME,    IDC_SBCS_SLOT2_LABEL,  IDC_SBCS_SLOT2_NAME,
+    IDC_DBCS_ENABLE,       IDC_DBCS_THERMAL_GROUP, IDC_DBCS_THERMAL_NAME, IDC_DBCS_THERMAL_LOAD,
+    IDC_DBCS_IMPACT_GROUP, IDC_DBCS_IMPACT_NAME,   IDC_DBCS_IMPACT_LOAD};
+constexpr int kTextControls[] = {IDC_SBCS_SLOT1_NAME, IDC_SBCS_SLOT2_NAME, IDC_DBCS_THERMAL_NAME,
+                                 IDC_DBCS_IMPACT_NAME, IDC_PRINTER_STATUS};
 
 class FontsDialog : public DevicePage {
   public:
@@ -69,14 +37,14 @@ class FontsDialog : public DevicePage {
     }
 
     void OnInit() {
-        LabelControlsFromStrings(hwnd_, ctx_);
+        SetLabels(hwnd_, ctx_, FontsPageModel::Labels());
         model_.Open();
         ShowAll();
         if (ctx_.devicePages)
             ctx_.devicePages->Attach(DevicePageSlot::Fonts, this);
     }
     void OnApply() {}
-    void ShowHelp() { ShowPageHelp(hwnd_, ctx_, kPageHelp); }
+    void ShowHelp() { ShowPageHelp(hwnd_, ctx_, FontsPageModel::kPageTopic); }
 
     bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
         if (message != 0 && message == refreshFonts_) {
@@ -87,7 +55,8 @@ class FontsDialog : public DevicePage {
         }
         if (message == WM_HELP) {
             const auto* info = reinterpret_cast<const HELPINFO*>(lParam);
-            ShowControlHelp(static_cast<HWND>(info->hItemHandle), ctx_, ControlHelp(info->iCtrlId));
+            ShowControlHelp(static_cast<HWND>(info->hItemHandle), ctx_,
+                            TopicOf(FontsPageModel::ControlTopics(), info->iCtrlId));
             result = TRUE;
             return true;
         }
@@ -98,7 +67,7 @@ class FontsDialog : public DevicePage {
 
     // DevicePage.
     void SetStatusText(std::u16string_view text) override {
-        SetControlText(hwnd_, kIdStatus, text);
+        SetControlText(hwnd_, IDC_PRINTER_STATUS, text);
     }
     void OnConnectionLost() override {
         model_.OnConnectionLost();
@@ -113,13 +82,13 @@ class FontsDialog : public DevicePage {
   private:
     void OnClick(int control) {
         switch (control) {
-            case kIdDbcsEnabled:
-                model_.OnDbcsEnabledClicked(IsChecked(hwnd_, kIdDbcsEnabled));
+            case IDC_DBCS_ENABLE:
+                model_.OnDbcsEnabledClicked(IsChecked(hwnd_, IDC_DBCS_ENABLE));
                 ShowAll();
                 break;
-            case kIdThermalLoad:
-            case kIdImpactLoad:
-                model_.LoadDbcsFont(control == kIdThermalLoad,
+            case IDC_DBCS_THERMAL_LOAD:
+            case IDC_DBCS_IMPACT_LOAD:
+                model_.LoadDbcsFont(control == IDC_DBCS_THERMAL_LOAD,
                                     Win32FileChooser(hwnd_, *ctx_.strings));
                 ShowTexts();
                 break;
@@ -135,13 +104,13 @@ class FontsDialog : public DevicePage {
     void ShowEnablement() {
         for (int control : kModelControls) EnableControl(hwnd_, control, model_.Enabled(control));
         // Capturing an installed font into a slot is not part of this driver yet.
-        EnableControl(hwnd_, kIdSlot1Capture, false);
-        EnableControl(hwnd_, kIdSlot2Capture, false);
+        EnableControl(hwnd_, IDC_SBCS_SLOT1_CAPTURE, false);
+        EnableControl(hwnd_, IDC_SBCS_SLOT2_CAPTURE, false);
     }
 
     void ShowAll() {
         ShowTexts();
-        CheckControl(hwnd_, kIdDbcsEnabled, model_.DbcsChecked());
+        CheckControl(hwnd_, IDC_DBCS_ENABLE, model_.DbcsChecked());
         ShowEnablement();
     }
 

@@ -19,8 +19,8 @@ namespace {
 using namespace logs;
 
 constexpr UINT_PTR kWrapSubclassId = 1;
-constexpr int kCheckBoxes[] = {control::kLoggingOn, control::kApiLog, control::kPrintingLog,
-                               control::kPortIOLog, control::kRestoreCfgLog};
+constexpr int kCheckBoxes[] = {IDC_LOG_ENABLE, IDC_LOG_API, IDC_LOG_PRINTING, IDC_LOG_PORT_IO,
+                               IDC_LOG_RESTORE};
 
 class LogSettingsDialog : public DevicePage {
   public:
@@ -28,27 +28,27 @@ class LogSettingsDialog : public DevicePage {
         : hwnd_(hwnd), ctx_(ctx), model_(*ctx.platform, *ctx.strings, ctx.printerName) {}
 
     ~LogSettingsDialog() override {
-        RemoveWindowSubclass(GetDlgItem(hwnd_, control::kWrapSize), WrapEditProc, kWrapSubclassId);
+        RemoveWindowSubclass(GetDlgItem(hwnd_, IDC_LOG_WRAP_SIZE), WrapEditProc, kWrapSubclassId);
         if (ctx_.devicePages)
             ctx_.devicePages->Detach(this);
     }
 
     void OnInit() {
-        LabelControlsFromStrings(hwnd_, ctx_);
-        HWND edit = GetDlgItem(hwnd_, control::kWrapSize);
+        SetLabels(hwnd_, ctx_, LogSettingsPageModel::Labels());
+        HWND edit = GetDlgItem(hwnd_, IDC_LOG_WRAP_SIZE);
         SetWindowSubclass(edit, WrapEditProc, kWrapSubclassId, reinterpret_cast<DWORD_PTR>(this));
         SendMessageW(edit, EM_LIMITTEXT, kWrapSizeChars, 0);
         model_.Open();
         for (int box : kCheckBoxes) CheckControl(hwnd_, box, model_.Checked(box));
-        SetControlText(hwnd_, control::kFolder, model_.Folder());
+        SetControlText(hwnd_, IDC_LOG_FOLDER, model_.Folder());
         ShowWrapText();
         ShowEnablement();
-        SetControlText(hwnd_, control::kStatus, model_.StatusText());
+        SetControlText(hwnd_, IDC_PRINTER_STATUS, model_.StatusText());
         if (ctx_.devicePages)
             ctx_.devicePages->Attach(DevicePageSlot::StatusOnly, this);
     }
     void OnApply() {}
-    void ShowHelp() { ShowPageHelp(hwnd_, ctx_, kPageHelpContext); }
+    void ShowHelp() { ShowPageHelp(hwnd_, ctx_, LogSettingsPageModel::kPageTopic); }
 
     bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
         switch (message) {
@@ -57,7 +57,7 @@ class LogSettingsDialog : public DevicePage {
                 return false;
             case WM_NOTIFY: {
                 const auto* header = reinterpret_cast<const NMHDR*>(lParam);
-                if (header->idFrom != control::kWrapSpin || header->code != UDN_DELTAPOS)
+                if (header->idFrom != IDC_LOG_WRAP_SPIN || header->code != UDN_DELTAPOS)
                     return false;
                 OnStep(reinterpret_cast<const NMUPDOWN*>(lParam)->iDelta);
                 result = TRUE;  // the number is the page's, not the up-down's
@@ -66,7 +66,7 @@ class LogSettingsDialog : public DevicePage {
             case WM_HELP: {
                 const auto* info = reinterpret_cast<const HELPINFO*>(lParam);
                 ShowControlHelp(static_cast<HWND>(info->hItemHandle), ctx_,
-                                HelpContextOf(info->iCtrlId));
+                                TopicOf(LogSettingsPageModel::ControlTopics(), info->iCtrlId));
                 result = TRUE;
                 return true;
             }
@@ -77,7 +77,7 @@ class LogSettingsDialog : public DevicePage {
 
     // DevicePage.
     void SetStatusText(std::u16string_view text) override {
-        SetControlText(hwnd_, control::kStatus, text);
+        SetControlText(hwnd_, IDC_PRINTER_STATUS, text);
     }
 
   private:
@@ -95,19 +95,19 @@ class LogSettingsDialog : public DevicePage {
     }
 
     void OnCommand(int id, int code) {
-        if (id == control::kWrapSize && code == EN_CHANGE) {
-            model_.WrapTextChanged(ControlText(hwnd_, control::kWrapSize));
+        if (id == IDC_LOG_WRAP_SIZE && code == EN_CHANGE) {
+            model_.WrapTextChanged(ControlText(hwnd_, IDC_LOG_WRAP_SIZE));
             return;
         }
         if (code != BN_CLICKED)
             return;
-        if (id == control::kBrowse) {
+        if (id == IDC_LOG_BROWSE) {
             const bool stored =
                 model_.Browse([this](std::u16string_view title, std::u16string_view start) {
                     return BrowseForFolder(hwnd_, title, start, kBrowseFlags);
                 });
             if (stored)
-                SetControlText(hwnd_, control::kFolder, model_.Folder());
+                SetControlText(hwnd_, IDC_LOG_FOLDER, model_.Folder());
             return;
         }
         for (int box : kCheckBoxes) {
@@ -122,24 +122,24 @@ class LogSettingsDialog : public DevicePage {
         if (!model_.Step(delta))
             return;
         ShowWrapText();
-        HWND edit = GetDlgItem(hwnd_, control::kWrapSize);
+        HWND edit = GetDlgItem(hwnd_, IDC_LOG_WRAP_SIZE);
         SetFocus(edit);
         SendMessageW(edit, EM_SETSEL, 0, -1);
     }
 
     void ShowWrapText() {
-        if (ControlText(hwnd_, control::kWrapSize) != model_.WrapText())
-            SetControlText(hwnd_, control::kWrapSize, model_.WrapText());
+        if (ControlText(hwnd_, IDC_LOG_WRAP_SIZE) != model_.WrapText())
+            SetControlText(hwnd_, IDC_LOG_WRAP_SIZE, model_.WrapText());
     }
 
     void ShowEnablement() {
-        for (int id = control::kFolderLabel; id <= control::kWrapUnit; ++id)
+        for (int id = IDC_LOG_FOLDER_LABEL; id <= IDC_LOG_WRAP_UNIT; ++id)
             EnableControl(hwnd_, id, model_.Enabled(id));
     }
 
     HWND hwnd_;
     PageContext& ctx_;
-    LogSettingsPage model_;
+    LogSettingsPageModel model_;
 };
 
 }  // namespace

@@ -45,24 +45,6 @@ bool IsChecked(HWND dialog, int control) {
     return IsDlgButtonChecked(dialog, control) == BST_CHECKED;
 }
 
-namespace {
-
-BOOL CALLBACK LabelFromString(HWND control, LPARAM lParam) {
-    auto* ctx = reinterpret_cast<PageContext*>(lParam);
-    const int id = GetDlgCtrlID(control);
-    if (id > 0 && ctx->strings) {
-        if (auto text = ctx->strings->Load(static_cast<std::uint32_t>(id)))
-            SetWindowTextW(control, ToWide(*text).c_str());
-    }
-    return TRUE;
-}
-
-}  // namespace
-
-void LabelControlsFromStrings(HWND dialog, PageContext& ctx) {
-    EnumChildWindows(dialog, LabelFromString, reinterpret_cast<LPARAM>(&ctx));
-}
-
 void MarkChanged(HWND page) {
     SendMessageW(GetParent(page), PSM_CHANGED, reinterpret_cast<WPARAM>(page), 0);
 }

@@ -31,8 +31,6 @@ int ListSelection(HWND dialog, int control);
 void EnableControl(HWND dialog, int control, bool enabled);
 void CheckControl(HWND dialog, int control, bool checked);
 bool IsChecked(HWND dialog, int control);
-// Sets each child control whose number is a string of the resource module to that string.
-void LabelControlsFromStrings(HWND dialog, PageContext& ctx);
 // Tells the sheet that the page has changes to apply.
 void MarkChanged(HWND page);
 
