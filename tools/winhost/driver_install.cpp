@@ -215,7 +215,7 @@ bool AddKx20Printer(const std::wstring& name, const std::wstring& port, std::wst
             why = ErrorText((L"reading printer \"" + name + L"\"").c_str());
         } else if (!info->pDriverName || std::wstring(info->pDriverName) != kDriverName) {
             why = PrinterDescription(name, *info) + L" is not on the KX20 driver \"" + kDriverName +
-                  L"\": left alone, nothing installed";
+                  L"\": left alone, the KX20 printer not installed";
             ok = false;
         } else if (!info->pPortName || _wcsicmp(info->pPortName, port.c_str()) != 0) {
             // Ours on another port (an earlier build folder): it moves to this one.
