@@ -16,7 +16,10 @@ status=0
 if [ -z "${DISPLAY:-}" ] && command -v xvfb-run >/dev/null; then
   # No display of the user's: windows go to a virtual one, and programs close them themselves.
   export KX20_VIRTUAL_DISPLAY=1
-  xvfb-run -a -s "-screen 0 1280x1024x24" wine "$@" || status=$?
+  # Wine's processes end before the virtual display does, so none reports it gone.
+  xvfb-run -a -s "-screen 0 1280x1024x24" \
+    sh -c 'status=0; wine "$@" || status=$?; wineserver -k >/dev/null 2>&1; exit $status' wine-run "$@" ||
+    status=$?
 else
   wine "$@" || status=$?
 fi
