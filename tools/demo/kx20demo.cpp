@@ -47,14 +47,18 @@ void StartSection(const char* title) {
 }
 
 void Out(const char* format, ...) {
-    char buffer[4096];
-    va_list args;
+    va_list args, again;
     va_start(args, format);
-    std::vsnprintf(buffer, sizeof buffer, format, args);
+    va_copy(again, args);
+    const int length = std::vsnprintf(nullptr, 0, format, args);
     va_end(args);
-    std::fputs(buffer, stdout);
+    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
+    if (length > 0)
+        std::vsnprintf(text.data(), text.size() + 1, format, again);
+    va_end(again);
+    std::fputs(text.c_str(), stdout);
     if (!g_sections.empty())
-        g_sections.back().text += buffer;
+        g_sections.back().text += text;
 }
 
 // The one line that ends a demo that found something wrong, just before its exit status.
