@@ -158,6 +158,9 @@ TEST(DriverInstall, InfWithoutWhatAPrinterInstallNeedsIsRefusedWithAReason) {
         {without("[KX20_Files]"), "no file list [KX20_Files]"},
         {without("KVORSENU.DLL\r\nkvorsgui.dll"), "which its CopyFiles do not copy"},
         {std::string(winhost::kMaxInfBytes + 1, ' '), "larger than"},
+        {good.substr(0, good.find("[KX20_Files]\r\n") + 14) + "..\\..\\win.ini\r\n" +
+             good.substr(good.find("[KX20_Files]\r\n") + 14),
+         "not a bare file name"},
     };
     for (const Case& c : cases) {
         winhost::DriverPackage package;

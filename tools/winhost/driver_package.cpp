@@ -175,6 +175,10 @@ bool ReadDriverInf(std::string_view text, DriverPackage* package, std::string* e
         for (const Line& l : *list)
             p.files.push_back(Fields(Expand(l.key, sections))[0]);
     }
+    // Files are copied into the spooler's driver folder by these names: bare names only.
+    for (const std::string& f : p.files)
+        if (f.empty() || f == "." || f == ".." || f.find_first_of("\\/:") != std::string::npos)
+            return Fail(error, "the INF copies \"" + f + "\", which is not a bare file name");
     auto listed = [&p](const std::string& file) {
         return std::any_of(p.files.begin(), p.files.end(),
                            [&](const std::string& f) { return Lower(f) == Lower(file); });

@@ -21,8 +21,8 @@ inline constexpr std::size_t kMaxInfBytes = 64 * 1024;
 // Reads an INF (ASCII or UTF-8, CR LF or LF; comments after ';', %string% references from
 // [Strings], quoted values). The package must have a version section of class Printer, a
 // manufacturer with a models section (decorated ".NTamd64" or plain), and an install section
-// naming at least the configuration and data files, each of them among its CopyFiles. Answers
-// false with a one-line reason otherwise.
+// naming at least the configuration and data files, each of them among its CopyFiles, whose
+// files are bare file names. Answers false with a one-line reason otherwise.
 bool ReadDriverInf(std::string_view text, DriverPackage* package, std::string* error);
 
 }  // namespace kx20::winhost
