@@ -73,21 +73,45 @@ set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 add_subdirectory(/usr/src/googletest ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
 
+# The driver package: the shipped DLLs, the INF that installs them and its README, in
+# build/windows/package. The tests and the demo install the driver from it; the build fails
+# when the INF names a file the package lacks.
+set(KX20_PACKAGE_DIR ${CMAKE_BINARY_DIR}/package)
+set(KX20_PACKAGE_SOURCES ${CMAKE_SOURCE_DIR}/tools/package/kx20.inf ${CMAKE_SOURCE_DIR}/tools/package/README.txt)
+add_custom_command(OUTPUT ${KX20_PACKAGE_DIR}/.checked
+  COMMAND ${CMAKE_COMMAND} -E rm -rf ${KX20_PACKAGE_DIR}
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${KX20_PACKAGE_DIR}
+  COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:kvorsgui> $<TARGET_FILE:kvorsenu> $<TARGET_FILE:kvorsxps>
+          ${KX20_PACKAGE_SOURCES} ${KX20_PACKAGE_DIR}
+  COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-package.sh ${KX20_PACKAGE_DIR}/kx20.inf
+  COMMAND ${CMAKE_COMMAND} -E touch ${KX20_PACKAGE_DIR}/.checked
+  DEPENDS kvorsgui kvorsenu kvorsxps ${KX20_PACKAGE_SOURCES} ${CMAKE_SOURCE_DIR}/scripts/check-package.sh
+  COMMENT "Driver package in ${KX20_PACKAGE_DIR}")
+add_custom_target(kx20_package ALL DEPENDS ${KX20_PACKAGE_DIR}/.checked)
+
 file(GLOB KX20_WINE_TESTS CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/wine/*.cpp)
 set(KX20_WINHOST_SOURCES ${CMAKE_SOURCE_DIR}/tools/winhost/driver_install.cpp ${CMAKE_SOURCE_DIR}/tools/winhost/sim_control.cpp
-    ${CMAKE_SOURCE_DIR}/tools/winhost/window_script.cpp)
+    ${CMAKE_SOURCE_DIR}/tools/winhost/window_script.cpp ${CMAKE_SOURCE_DIR}/tools/winhost/driver_package.cpp)
 add_executable(kx20_wine_tests ${KX20_WINE_TESTS} ${KX20_WINHOST_SOURCES})
 target_link_libraries(kx20_wine_tests PRIVATE kx20pages kx20win32 kx20memory kx20sim kx20core gtest compstui ${KX20_SYSTEM_LIBS})
 target_include_directories(kx20_wine_tests PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR})
 target_compile_options(kx20_wine_tests PRIVATE ${KX20_WARNINGS})
 target_link_options(kx20_wine_tests PRIVATE ${KX20_STATIC_LINK} -municode)
-add_dependencies(kx20_wine_tests kvorsgui kvorsenu kvorsxps)
+add_dependencies(kx20_wine_tests kvorsgui kvorsenu kvorsxps kx20_package)
 if(TARGET kvorsmon)
   add_dependencies(kx20_wine_tests kvorsmon)
 endif()
 add_test(NAME wine_tests
          COMMAND ${CMAKE_SOURCE_DIR}/scripts/wine-run.sh ${CMAKE_BINARY_DIR} $<TARGET_FILE:kx20_wine_tests>)
 set_tests_properties(wine_tests PROPERTIES TIMEOUT 600)
+# With the host's CUPS client pointed at a private cupsd holding a queue named KX20, the Wine
+# runs still see only the project's printer and nothing reaches the queue.
+add_test(NAME wine_hermetic_cups
+         COMMAND ${CMAKE_SOURCE_DIR}/tests/wine/hermetic_cups_test.sh ${CMAKE_BINARY_DIR})
+set_tests_properties(wine_hermetic_cups PROPERTIES TIMEOUT 300)
+# A package whose INF names a file it lacks is refused.
+add_test(NAME package_check_refuses_missing_file
+         COMMAND ${CMAKE_SOURCE_DIR}/tests/wine/package_check_test.sh ${KX20_PACKAGE_DIR})
 
 # The demo host: installs the driver in the Wine spooler and shows what applications see.
 file(GLOB KX20_DEMO_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/demo/*.cpp)
@@ -97,18 +121,18 @@ if(KX20_DEMO_SOURCES)
   target_include_directories(kx20demo PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_SOURCE_DIR})
   target_compile_options(kx20demo PRIVATE ${KX20_WARNINGS})
   target_link_options(kx20demo PRIVATE ${KX20_STATIC_LINK} -municode)
-  add_dependencies(kx20demo kvorsgui kvorsenu kvorsxps)
+  add_dependencies(kx20demo kvorsgui kvorsenu kvorsxps kx20_package)
 endif()
 
-# Self-containment and export names of the shipped DLLs.
+# Self-containment and export names of the shipped DLLs, as the package holds them.
 add_test(NAME kvorsgui_dll_check
-         COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsgui>
+         COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh ${KX20_PACKAGE_DIR}/kvorsgui.dll
                  DrvDocumentPropertySheets DrvDevicePropertySheets DrvConvertDevMode DrvDeviceCapabilities
                  DrvDocumentEvent
                  DrvPrinterEvent DrvUpgradePrinter DevQueryPrintEx DevQueryPrint)
-add_test(NAME kvorsenu_dll_check COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsenu>)
+add_test(NAME kvorsenu_dll_check COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh ${KX20_PACKAGE_DIR}/KVORSENU.DLL)
 add_test(NAME kvorsxps_dll_check
-         COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsxps> GetXPPropSheetPage)
+         COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh ${KX20_PACKAGE_DIR}/Kvorsxps.dll GetXPPropSheetPage)
 if(TARGET kvorsmon)
   add_test(NAME kvorsmon_dll_check
            COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh $<TARGET_FILE:kvorsmon> BIDISendCmdToPrinter)

@@ -4,12 +4,13 @@
 set -euo pipefail
 packages=(cmake ninja-build g++ googletest libgtest-dev libbenchmark-dev libstb-dev
           g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine wine64 xvfb xauth
-          imagemagick clang)
+          imagemagick clang cups-daemon cups-client python3)
 # The programs the scripts and build files run, with the package that brings each.
 programs=(cmake:cmake ninja:ninja-build g++:g++ clang++:clang
           x86_64-w64-mingw32-g++-posix:g++-mingw-w64-x86-64-posix
           x86_64-w64-mingw32-objdump:binutils-mingw-w64-x86-64
-          wine:wine wineboot:wine wineserver:wine64 xvfb-run:xvfb xauth:xauth import:imagemagick)
+          wine:wine wineboot:wine wineserver:wine64 xvfb-run:xvfb xauth:xauth import:imagemagick
+          cupsd:cups-daemon lpadmin:cups-client lp:cups-client lpstat:cups-client python3:python3)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
@@ -21,6 +22,13 @@ if [ ${#missing[@]} -gt 0 ]; then
     exit 1
   fi
   export DEBIAN_FRONTEND=noninteractive
+  # The tests run a private CUPS scheduler of their own; cups-daemon's install would start the
+  # machine's. No service is started while these packages go in (Debian's policy-rc.d).
+  policy=/usr/sbin/policy-rc.d
+  if [ ! -e "$policy" ]; then
+    printf '#!/bin/sh\nexit 101\n' >"$policy" && chmod 755 "$policy"
+    trap 'rm -f "$policy"' EXIT
+  fi
   apt-get update -qq
   apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 fi

@@ -1,6 +1,9 @@
 #include "tools/winhost/driver_install.h"
 
+#include "tools/winhost/driver_package.h"
+
 #include <cstdlib>
+#include <string>
 #include <vector>
 
 namespace kx20::winhost {
@@ -11,14 +14,48 @@ std::wstring ErrorText(const wchar_t* what) {
     return std::wstring(what) + L" failed, error " + std::to_wstring(GetLastError());
 }
 
-bool CopyInto(const std::wstring& folder, const wchar_t* file, std::wstring* error) {
-    std::wstring from = ProgramFolder() + file;
+bool CopyInto(const std::wstring& fromFolder, const std::wstring& folder, const std::wstring& file,
+              std::wstring* error) {
+    std::wstring from = fromFolder + file;
     std::wstring to = folder + L"\\" + file;
     if (CopyFileW(from.c_str(), to.c_str(), FALSE))
         return true;
     if (error)
         *error = ErrorText((L"copying " + from).c_str());
     return false;
+}
+
+// The INF is ASCII: each byte is one character.
+std::wstring Wide(const std::string& s) {
+    std::wstring w;
+    for (unsigned char c : s)
+        w += static_cast<wchar_t>(c);
+    return w;
+}
+
+// Reads a file of at most `limit` bytes.
+bool ReadSmallFile(const std::wstring& path, std::size_t limit, std::string* out) {
+    HANDLE h = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                           FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (h == INVALID_HANDLE_VALUE)
+        return false;
+    LARGE_INTEGER size = {};
+    bool ok = GetFileSizeEx(h, &size) && size.QuadPart >= 0 &&
+              static_cast<unsigned long long>(size.QuadPart) <= limit;
+    DWORD read = 0;
+    if (ok) {
+        out->resize(static_cast<std::size_t>(size.QuadPart));
+        ok = ReadFile(h, out->data(), static_cast<DWORD>(out->size()), &read, nullptr) &&
+             read == out->size();
+    }
+    CloseHandle(h);
+    return ok;
+}
+
+std::wstring PrinterDescription(const std::wstring& name, const PRINTER_INFO_2W& info) {
+    return L"printer \"" + name + L"\" (driver \"" +
+           (info.pDriverName ? info.pDriverName : L"") + L"\", port \"" +
+           (info.pPortName ? info.pPortName : L"") + L"\")";
 }
 
 }  // namespace
@@ -38,7 +75,25 @@ std::wstring DefaultPortPath() {
     return std::wstring(p.begin(), p.end());
 }
 
-bool InstallDriver(std::wstring* error) {
+std::wstring PackageFolder() {
+    return ProgramFolder() + L"package\\";
+}
+
+bool InstallDriverPackage(const std::wstring& packageFolder, std::wstring* error) {
+    const std::wstring infPath = packageFolder + L"kx20.inf";
+    std::string text;
+    if (!ReadSmallFile(infPath, kMaxInfBytes, &text)) {
+        if (error)
+            *error = L"cannot read " + infPath;
+        return false;
+    }
+    DriverPackage package;
+    std::string why;
+    if (!ReadDriverInf(text, &package, &why)) {
+        if (error)
+            *error = infPath + L": " + Wide(why);
+        return false;
+    }
     wchar_t folder[MAX_PATH] = {};
     DWORD needed = 0;
     if (!GetPrinterDriverDirectoryW(nullptr, const_cast<LPWSTR>(kEnvironment), 1,
@@ -47,38 +102,44 @@ bool InstallDriver(std::wstring* error) {
             *error = ErrorText(L"GetPrinterDriverDirectoryW");
         return false;
     }
-    std::wstring driverFolder(folder);
-    if (!CopyInto(driverFolder, L"kvorsgui.dll", error) ||
-        !CopyInto(driverFolder, L"KVORSENU.DLL", error) ||
-        !CopyInto(driverFolder, L"Kvorsxps.dll", error))
-        return false;
+    const std::wstring driverFolder(folder);
     // The spooler keeps the installed files in the "3" subfolder; refresh them too, so a new
     // build replaces an earlier install.
     CreateDirectoryW((driverFolder + L"\\3").c_str(), nullptr);
-    if (!CopyInto(driverFolder + L"\\3", L"kvorsgui.dll", error) ||
-        !CopyInto(driverFolder + L"\\3", L"KVORSENU.DLL", error) ||
-        !CopyInto(driverFolder + L"\\3", L"Kvorsxps.dll", error))
-        return false;
+    std::wstring dependent;
+    for (const std::string& file : package.files) {
+        const std::wstring name = Wide(file);
+        if (!CopyInto(packageFolder, driverFolder, name, error) ||
+            !CopyInto(packageFolder, driverFolder + L"\\3", name, error))
+            return false;
+        dependent += name;
+        dependent += L'\0';
+    }
+    dependent += L'\0';
     wchar_t system[MAX_PATH] = {};
     GetSystemDirectoryW(system, MAX_PATH);
     if (GetFileAttributesW((ProgramFolder() + L"kvorsmon.dll").c_str()) !=
             INVALID_FILE_ATTRIBUTES &&
-        !CopyInto(system, L"kvorsmon.dll", error))
+        !CopyInto(ProgramFolder(), system, L"kvorsmon.dll", error))
         return false;
 
-    // The resource module comes first: the driver finds its folder from the first entry.
-    wchar_t dependent[] = L"KVORSENU.DLL\0kvorsgui.dll\0Kvorsxps.dll\0";
+    const std::wstring model = Wide(package.model), config = Wide(package.configFile),
+                       data = Wide(package.dataFile), help = Wide(package.helpFile),
+                       dataType = Wide(package.defaultDataType.empty() ? "RAW" : package.defaultDataType);
+    // The rendering module is not part of this package: the spooler needs a driver path, and
+    // the INF names the user-interface module for it (GDI printing under Wine never loads it).
+    const std::wstring driverFile = Wide(package.driverFile.empty() ? package.configFile
+                                                                    : package.driverFile);
     DRIVER_INFO_3W info = {};
     info.cVersion = 3;
-    info.pName = const_cast<LPWSTR>(kDriverName);
+    info.pName = const_cast<LPWSTR>(model.c_str());
     info.pEnvironment = const_cast<LPWSTR>(kEnvironment);
-    // The rendering module is not part of this build: the spooler needs a driver path, and the
-    // user-interface module stands in for it (GDI printing under Wine never loads it).
-    info.pDriverPath = const_cast<LPWSTR>(L"kvorsgui.dll");
-    info.pDataFile = const_cast<LPWSTR>(L"KVORSENU.DLL");
-    info.pConfigFile = const_cast<LPWSTR>(L"kvorsgui.dll");
-    info.pDependentFiles = dependent;
-    info.pDefaultDataType = const_cast<LPWSTR>(L"RAW");
+    info.pDriverPath = const_cast<LPWSTR>(driverFile.c_str());
+    info.pDataFile = const_cast<LPWSTR>(data.c_str());
+    info.pConfigFile = const_cast<LPWSTR>(config.c_str());
+    info.pHelpFile = help.empty() ? nullptr : const_cast<LPWSTR>(help.c_str());
+    info.pDependentFiles = dependent.data();
+    info.pDefaultDataType = const_cast<LPWSTR>(dataType.c_str());
     if (!AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&info),
                              APD_COPY_NEW_FILES | APD_COPY_FROM_DIRECTORY)) {
         if (!AddPrinterDriverExW(nullptr, 3, reinterpret_cast<LPBYTE>(&info), APD_COPY_NEW_FILES)) {
@@ -88,6 +149,10 @@ bool InstallDriver(std::wstring* error) {
         }
     }
     return true;
+}
+
+bool InstallDriver(std::wstring* error) {
+    return InstallDriverPackage(PackageFolder(), error);
 }
 
 bool StoreDriverDefaultDevMode(const std::wstring& name, std::wstring* error) {
@@ -138,9 +203,32 @@ bool StoreDriverDefaultDevMode(const std::wstring& name, std::wstring* error) {
 
 bool AddKx20Printer(const std::wstring& name, const std::wstring& port, std::wstring* error) {
     HANDLE existing = nullptr;
-    if (OpenPrinterW(const_cast<LPWSTR>(name.c_str()), &existing, nullptr) && existing) {
+    PRINTER_DEFAULTSW all = {nullptr, nullptr, PRINTER_ALL_ACCESS};
+    if (OpenPrinterW(const_cast<LPWSTR>(name.c_str()), &existing, &all) && existing) {
+        DWORD size = 0;
+        GetPrinterW(existing, 2, nullptr, 0, &size);
+        std::vector<std::uint8_t> buffer(size ? size : 1);
+        bool ok = GetPrinterW(existing, 2, buffer.data(), size, &size);
+        auto* info = reinterpret_cast<PRINTER_INFO_2W*>(buffer.data());
+        std::wstring why;
+        if (!ok) {
+            why = ErrorText((L"reading printer \"" + name + L"\"").c_str());
+        } else if (!info->pDriverName || std::wstring(info->pDriverName) != kDriverName) {
+            why = PrinterDescription(name, *info) + L" is not on the KX20 driver \"" + kDriverName +
+                  L"\": left alone, the KX20 printer not installed";
+            ok = false;
+        } else if (!info->pPortName || _wcsicmp(info->pPortName, port.c_str()) != 0) {
+            // Ours on another port (an earlier build folder): it moves to this one.
+            info->pPortName = const_cast<LPWSTR>(port.c_str());
+            info->pSecurityDescriptor = nullptr;
+            ok = SetPrinterW(existing, 2, buffer.data(), 0);
+            if (!ok)
+                why = ErrorText((L"moving printer \"" + name + L"\" to port " + port).c_str());
+        }
         ClosePrinter(existing);
-        return true;
+        if (!ok && error)
+            *error = why;
+        return ok;
     }
     PRINTER_INFO_2W info = {};
     info.pPrinterName = const_cast<LPWSTR>(name.c_str());

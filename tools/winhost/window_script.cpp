@@ -128,7 +128,7 @@ void SettleDisplay() {
         MsgWaitForMultipleObjects(0, nullptr, FALSE, 60, QS_PAINT);
 }
 
-bool Import(const std::wstring& name, const std::string& crop) {
+bool Import(const std::wstring& path, const std::string& crop) {
     SettleDisplay();
     using UnixName = char*(CDECL*)(LPCWSTR);
     using Spawn = LONG(WINAPI*)(char* const*, int);
@@ -138,7 +138,6 @@ bool Import(const std::wstring& name, const std::string& crop) {
         GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "__wine_unix_spawnvp")));
     if (!unixName || !spawn)
         return false;
-    const std::wstring path = ScreenshotPath(name);
     DeleteFileW(path.c_str());
     char* target = unixName(path.c_str());
     if (!target)
@@ -155,10 +154,14 @@ bool Import(const std::wstring& name, const std::string& crop) {
 }  // namespace
 
 bool SaveScreenshot(const std::wstring& name, HWND window) {
-    return window ? SaveWindowScreenshot(window, name) : Import(name, {});
+    return window ? SaveWindowScreenshot(window, name) : Import(ScreenshotPath(name), {});
 }
 
 bool SaveWindowScreenshot(HWND window, const std::wstring& name) {
+    return SaveWindowPicture(window, ScreenshotPath(name));
+}
+
+bool SaveWindowPicture(HWND window, const std::wstring& path) {
     RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
     RECT r;
     GetClientRect(window, &r);
@@ -167,7 +170,7 @@ bool SaveWindowScreenshot(HWND window, const std::wstring& name) {
     snprintf(crop, sizeof crop, "%ldx%ld+%ld+%ld", static_cast<long>(r.right - r.left),
              static_cast<long>(r.bottom - r.top), static_cast<long>(r.left),
              static_cast<long>(r.top));
-    return Import(name, crop);
+    return Import(path, crop);
 }
 
 }  // namespace kx20::winhost

@@ -52,5 +52,7 @@ bool SaveScreenshot(const std::wstring& name, HWND window = nullptr);
 std::wstring ScreenshotPath(const std::wstring& name);
 // Saves the client area of `window` (repainted first) as `name`.png in the same folder.
 bool SaveWindowScreenshot(HWND window, const std::wstring& name);
+// Saves the client area of `window` (repainted first) as the PNG file `path`.
+bool SaveWindowPicture(HWND window, const std::wstring& path);
 
 }  // namespace kx20::winhost
