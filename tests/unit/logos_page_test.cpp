@@ -2,10 +2,9 @@
 // picture end to end, the logo memory check, deleting with re-download, and the connection
 // timer driving the other device pages.
 #include "channel/printer_hours.h"
-#include "logos/logos_page_model.h"
+#include "logos/logos_page.h"
 
 #include "logo_rig.h"
-#include "logos/page_common.h"
 #include "pages/preview_fit.h"
 #include "unit/test_pictures.h"
 
@@ -210,13 +209,14 @@ TEST_F(LogosPage, StartupReconcilesAndTheTimerFollowsTheConnection) {
     context.devicePages->Attach(DevicePageSlot::StatusOnly, &statusOnly);
 
     monitor.calls.clear();
-    page->OnTimer();  // nothing changed: no command, no broadcast
+    // Nothing changed: no command, no broadcast, no page does anything.
+    EXPECT_EQ(page->Watch().Tick(), ConnectionChange::Unchanged);
     EXPECT_TRUE(monitor.calls.empty());
     EXPECT_TRUE(prompts.broadcasts.empty());
-    EXPECT_EQ(fonts.enablement, 1);
+    EXPECT_EQ(fonts.enablement, 0);
 
     ASSERT_EQ(printer.Control(u"disconnect"), 0u);
-    page->OnTimer();
+    EXPECT_EQ(page->Watch().Tick(), ConnectionChange::Lost);
     EXPECT_FALSE(page->Connected());
     EXPECT_TRUE(page->Slots().empty());
     EXPECT_FALSE(page->ListEnabled());
@@ -229,7 +229,7 @@ TEST_F(LogosPage, StartupReconcilesAndTheTimerFollowsTheConnection) {
 
     ASSERT_EQ(printer.Control(u"model=7"), 0u);
     ASSERT_EQ(printer.Control(u"connect"), 0u);
-    page->OnTimer();
+    EXPECT_EQ(page->Watch().Tick(), ConnectionChange::Changed);
     EXPECT_TRUE(page->Connected());
     EXPECT_EQ(page->Slots().size(), 40u);
     EXPECT_EQ(fonts.changed, 1);
@@ -238,7 +238,7 @@ TEST_F(LogosPage, StartupReconcilesAndTheTimerFollowsTheConnection) {
 
     // Another printer on the port: its own (empty) catalogue, reconciled.
     ASSERT_EQ(printer.Control(u"identity=OTHERPRN"), 0u);
-    page->OnTimer();
+    EXPECT_EQ(page->Watch().Tick(), ConnectionChange::Changed);
     EXPECT_EQ(fonts.changed, 2);
     page.reset();
     EXPECT_EQ(context.devicePages, nullptr);
