@@ -25,11 +25,19 @@ class LogosPage : public LogoRig {
         return testpics::Bmp24(testpics::Painted(
             w, h, [](int x, int y) { return (x / 4 + y / 4) % 2 ? 0u : 0xFFFFFFu; }));
     }
-    bool Add(LogosPageModel& page, int row, const Bytes& file, LogoForm form = {}) {
+    // The adding flow through a file dialog that picks form `choice` and confirms the file
+    // when the dialog's check lets it through.
+    bool Add(LogosPageModel& page, int row, const Bytes& file, int choice = 0) {
         files.Put(u"C:\\pics\\logo.bmp", file);
         page.SetSelection({row});
-        return page.AcceptLogoFile(u"C:\\pics\\logo.bmp", kDialog) &&
-               page.AddLogo(u"C:\\pics\\logo.bmp", form, u"C:\\pics");
+        return page.AddThrough(
+            [&](const FileDialogRequest& r) -> std::optional<std::u16string> {
+                r.onChoice(choice);
+                if (!r.acceptOverDialog(u"C:\\pics\\logo.bmp", kDialog))
+                    return std::nullopt;
+                return u"C:\\pics\\logo.bmp";
+            },
+            nullptr);
     }
     int Broadcasts(RefreshMessage which) {
         int n = 0;
@@ -46,7 +54,7 @@ TEST_F(LogosPage, AddedPictureReachesPrinterCatalogueAndList) {
     EXPECT_EQ(page->Slots()[4].state, u"(empty)");
 
     const Bytes file = Picture(100, 24);
-    ASSERT_TRUE(Add(*page, 4, file, FormFromChoice(1)));  // full width, not scaled
+    ASSERT_TRUE(Add(*page, 4, file, 1));  // full width, not scaled
     // The printer holds the picture's raster, the port's checksum is the printer's, and the
     // catalogue keeps the file's own bytes with the form.
     ASSERT_TRUE(printer.state().flash.logos.count(5));
@@ -63,7 +71,7 @@ TEST_F(LogosPage, AddedPictureReachesPrinterCatalogueAndList) {
     EXPECT_EQ(Broadcasts(RefreshMessage::Logos), 1);
     std::u16string folder;
     ASSERT_TRUE(store::GetLogosPath(p, kPrinter, folder));
-    EXPECT_EQ(folder, u"C:\\pics");
+    EXPECT_EQ(folder, u"C:\\pics\\");  // as the dialog gives it, with its separator
     EXPECT_EQ(prompts.waits, 1);
     EXPECT_EQ(prompts.waitDepth, 0);
 
@@ -155,7 +163,7 @@ TEST_F(LogosPage, LogoMemoryCheckUsesThePicturesOwnSizeAndTheStoredRecordsAsMisr
 TEST_F(LogosPage, DeletingOneOfThreeErasesAndDownloadsTheOthersAgain) {
     auto page = Open();
     ASSERT_TRUE(Add(*page, 0, Picture(16, 16)));
-    ASSERT_TRUE(Add(*page, 2, Picture(24, 8), FormFromChoice(3)));
+    ASSERT_TRUE(Add(*page, 2, Picture(24, 8), 3));
     ASSERT_TRUE(Add(*page, 5, Picture(32, 32)));
     const Bytes sixth = printer.state().flash.logos.at(6).raster;
     spooler.jobs.clear();
