@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "pages/page_context.h"
+#include "platform/format.h"
 
 namespace kx20 {
 
@@ -18,6 +19,10 @@ struct PageLabel {
 
 // A string of the resource module, at most 255 characters; empty when it is missing.
 std::u16string PageString(PageContext& ctx, std::uint32_t id);
+
+// A string with its one conversion filled by `arg`; the string as it stands when it does not
+// take the argument.
+std::u16string PageStringWith(PageContext& ctx, std::uint32_t id, const FormatArg& arg);
 
 // The strings `first`, `first + 1`, ... `first + count - 1`.
 std::vector<std::u16string> PageStrings(PageContext& ctx, std::uint32_t first, std::size_t count);

@@ -8,6 +8,9 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
+
+#include "platform/prompts.h"
 
 namespace kx20 {
 
@@ -17,6 +20,24 @@ struct FileDialogRequest {
     std::u16string initialFolder;  // empty: the current directory
     // Called when the user confirms a file; false keeps the dialog open.
     std::function<bool(const std::u16string& path)> accept;
+    // The same check told the dialog's window, for a box shown over the dialog; used instead of
+    // `accept` when set.
+    std::function<bool(const std::u16string& path, WindowId dialog)> acceptOverDialog;
+
+    // A template of the resource module (`templateModule`) whose controls the dialog shows
+    // below its own; 0: none.
+    std::uint32_t templateId = 0;
+    std::uintptr_t templateModule = 0;
+    // A drop-down list of the template, filled with `choices` and the first one selected;
+    // `onChoice` hears the entry the user picks.
+    int choiceControl = 0;
+    std::vector<std::u16string> choices;
+    std::function<void(int entry)> onChoice;
+    // A frame of the template that previews the file under the cursor: `paintPreview` paints
+    // into the template's window with the file's path (empty for none or a folder) whenever
+    // that window is painted.
+    int previewControl = 0;
+    std::function<void(WindowId part, const std::u16string& path)> paintPreview;
 };
 
 // Shows the dialog; the chosen path, or nothing when the user cancelled.

@@ -2,10 +2,9 @@
 // picture end to end, the logo memory check, deleting with re-download, and the connection
 // timer driving the other device pages.
 #include "channel/printer_hours.h"
-#include "logos/logos_page_model.h"
+#include "logos/logos_page.h"
 
 #include "logo_rig.h"
-#include "logos/page_common.h"
 #include "pages/preview_fit.h"
 #include "unit/test_pictures.h"
 
@@ -26,11 +25,19 @@ class LogosPage : public LogoRig {
         return testpics::Bmp24(testpics::Painted(
             w, h, [](int x, int y) { return (x / 4 + y / 4) % 2 ? 0u : 0xFFFFFFu; }));
     }
-    bool Add(LogosPageModel& page, int row, const Bytes& file, LogoForm form = {}) {
+    // The adding flow through a file dialog that picks form `choice` and confirms the file
+    // when the dialog's check lets it through.
+    bool Add(LogosPageModel& page, int row, const Bytes& file, int choice = 0) {
         files.Put(u"C:\\pics\\logo.bmp", file);
         page.SetSelection({row});
-        return page.AcceptLogoFile(u"C:\\pics\\logo.bmp", kDialog) &&
-               page.AddLogo(u"C:\\pics\\logo.bmp", form, u"C:\\pics");
+        return page.AddThrough(
+            [&](const FileDialogRequest& r) -> std::optional<std::u16string> {
+                r.onChoice(choice);
+                if (!r.acceptOverDialog(u"C:\\pics\\logo.bmp", kDialog))
+                    return std::nullopt;
+                return u"C:\\pics\\logo.bmp";
+            },
+            nullptr);
     }
     int Broadcasts(RefreshMessage which) {
         int n = 0;
@@ -47,7 +54,7 @@ TEST_F(LogosPage, AddedPictureReachesPrinterCatalogueAndList) {
     EXPECT_EQ(page->Slots()[4].state, u"(empty)");
 
     const Bytes file = Picture(100, 24);
-    ASSERT_TRUE(Add(*page, 4, file, FormFromChoice(1)));  // full width, not scaled
+    ASSERT_TRUE(Add(*page, 4, file, 1));  // full width, not scaled
     // The printer holds the picture's raster, the port's checksum is the printer's, and the
     // catalogue keeps the file's own bytes with the form.
     ASSERT_TRUE(printer.state().flash.logos.count(5));
@@ -64,7 +71,7 @@ TEST_F(LogosPage, AddedPictureReachesPrinterCatalogueAndList) {
     EXPECT_EQ(Broadcasts(RefreshMessage::Logos), 1);
     std::u16string folder;
     ASSERT_TRUE(store::GetLogosPath(p, kPrinter, folder));
-    EXPECT_EQ(folder, u"C:\\pics");
+    EXPECT_EQ(folder, u"C:\\pics\\");  // as the dialog gives it, with its separator
     EXPECT_EQ(prompts.waits, 1);
     EXPECT_EQ(prompts.waitDepth, 0);
 
@@ -156,7 +163,7 @@ TEST_F(LogosPage, LogoMemoryCheckUsesThePicturesOwnSizeAndTheStoredRecordsAsMisr
 TEST_F(LogosPage, DeletingOneOfThreeErasesAndDownloadsTheOthersAgain) {
     auto page = Open();
     ASSERT_TRUE(Add(*page, 0, Picture(16, 16)));
-    ASSERT_TRUE(Add(*page, 2, Picture(24, 8), FormFromChoice(3)));
+    ASSERT_TRUE(Add(*page, 2, Picture(24, 8), 3));
     ASSERT_TRUE(Add(*page, 5, Picture(32, 32)));
     const Bytes sixth = printer.state().flash.logos.at(6).raster;
     spooler.jobs.clear();
@@ -210,13 +217,14 @@ TEST_F(LogosPage, StartupReconcilesAndTheTimerFollowsTheConnection) {
     context.devicePages->Attach(DevicePageSlot::StatusOnly, &statusOnly);
 
     monitor.calls.clear();
-    page->OnTimer();  // nothing changed: no command, no broadcast
+    // Nothing changed: no command, no broadcast, no page does anything.
+    EXPECT_EQ(page->Watch().Tick(), ConnectionChange::Unchanged);
     EXPECT_TRUE(monitor.calls.empty());
     EXPECT_TRUE(prompts.broadcasts.empty());
-    EXPECT_EQ(fonts.enablement, 1);
+    EXPECT_EQ(fonts.enablement, 0);
 
     ASSERT_EQ(printer.Control(u"disconnect"), 0u);
-    page->OnTimer();
+    EXPECT_EQ(page->Watch().Tick(), ConnectionChange::Lost);
     EXPECT_FALSE(page->Connected());
     EXPECT_TRUE(page->Slots().empty());
     EXPECT_FALSE(page->ListEnabled());
@@ -229,7 +237,7 @@ TEST_F(LogosPage, StartupReconcilesAndTheTimerFollowsTheConnection) {
 
     ASSERT_EQ(printer.Control(u"model=7"), 0u);
     ASSERT_EQ(printer.Control(u"connect"), 0u);
-    page->OnTimer();
+    EXPECT_EQ(page->Watch().Tick(), ConnectionChange::Changed);
     EXPECT_TRUE(page->Connected());
     EXPECT_EQ(page->Slots().size(), 40u);
     EXPECT_EQ(fonts.changed, 1);
@@ -238,7 +246,7 @@ TEST_F(LogosPage, StartupReconcilesAndTheTimerFollowsTheConnection) {
 
     // Another printer on the port: its own (empty) catalogue, reconciled.
     ASSERT_EQ(printer.Control(u"identity=OTHERPRN"), 0u);
-    page->OnTimer();
+    EXPECT_EQ(page->Watch().Tick(), ConnectionChange::Changed);
     EXPECT_EQ(fonts.changed, 2);
     page.reset();
     EXPECT_EQ(context.devicePages, nullptr);

@@ -1,9 +1,9 @@
 // The messages page's model against the simulated printer: storing (with the checksum-0 rule),
 // deleting with re-download, start-up states and the part it plays in the connection timer.
-#include "logos/messages_page_model.h"
+#include "logos/messages_page.h"
 
 #include "logo_rig.h"
-#include "logos/logos_page_model.h"
+#include "logos/logos_page.h"
 
 namespace kx20::logos {
 namespace {
@@ -123,12 +123,12 @@ TEST_F(MessagesPage, StartupStatesAndTheLogosTimer) {
     ASSERT_EQ(context.devicePages->At(DevicePageSlot::Messages), page.get());
     ASSERT_TRUE(Store(*page, 0, u"one"));
     ASSERT_EQ(printer.Control(u"disconnect"), 0u);
-    logos.OnTimer();
+    logos.Watch().Tick();
     EXPECT_TRUE(page->Slots().empty());
     EXPECT_FALSE(page->ControlsEnabled());
     EXPECT_EQ(page->StatusText(), u"The printer's status cannot be read. Check that the printer is switched on and connected.");
     ASSERT_EQ(printer.Control(u"connect"), 0u);
-    logos.OnTimer();
+    logos.Watch().Tick();
     EXPECT_TRUE(page->ControlsEnabled());
     EXPECT_TRUE(page->Slots()[0].used);
     EXPECT_EQ(page->StatusText(), u"Printer: KX20 II Receipt/Slip DBCS");

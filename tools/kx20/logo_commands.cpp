@@ -9,8 +9,8 @@
 
 #include "command_group.h"
 #include "logos/logo_payloads.h"
-#include "logos/logos_page_model.h"
-#include "logos/messages_page_model.h"
+#include "logos/logos_page.h"
+#include "logos/messages_page.h"
 #include "logos/raster_conversion.h"
 #include "platform/memory/stb_pictures.h"
 #include "platform/posix/posix_files.h"

@@ -67,7 +67,7 @@ void ShowPageHelp(HWND page, const PageContext& ctx, DWORD topic) {
 }
 
 void ShowPageOrControlHelp(HWND page, const PageContext& ctx, DWORD pageTopic, const HELPINFO& info,
-                           const DWORD* controlTopics) {
+                           std::span<const ControlTopic> controlTopics) {
     if (ctx.helpPath.empty())
         return;
     const bool f1 = (GetKeyState(VK_F1) & 0x8000) && !(GetKeyState(VK_SHIFT) & 0x8000);
@@ -75,8 +75,16 @@ void ShowPageOrControlHelp(HWND page, const PageContext& ctx, DWORD pageTopic, c
         ShowPageHelp(page, ctx, pageTopic);
         return;
     }
+    // The help system takes the table as control, topic pairs ending with 0, 0.
+    std::vector<DWORD> pairs;
+    for (const ControlTopic& entry : controlTopics) {
+        pairs.push_back(static_cast<DWORD>(entry.control));
+        pairs.push_back(entry.topic);
+    }
+    pairs.push_back(0);
+    pairs.push_back(0);
     WinHelpW(static_cast<HWND>(info.hItemHandle), ToWide(ctx.helpPath).c_str(), HELP_WM_HELP,
-             reinterpret_cast<ULONG_PTR>(controlTopics));
+             reinterpret_cast<ULONG_PTR>(pairs.data()));
 }
 
 void ShowControlHelp(HWND control, const PageContext& ctx, DWORD topic) {

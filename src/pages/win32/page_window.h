@@ -16,6 +16,7 @@
 
 #include "pages/apply_state.h"
 #include "pages/page_context.h"
+#include "pages/page_help.h"
 #include "pages/page_text.h"
 #include "platform/trace.h"
 
@@ -43,9 +44,9 @@ int PageTemplateId(const PROPSHEETPAGEW* description);
 // Opens the resource module's help file at a topic.
 void ShowPageHelp(HWND page, const PageContext& ctx, DWORD topic);
 // WM_HELP: F1 without Shift opens the page's topic; otherwise the control's popup topic from
-// `controlTopics` (control id, topic pairs ending with 0, 0). Nothing without a help file.
+// `controlTopics`. Nothing without a help file.
 void ShowPageOrControlHelp(HWND page, const PageContext& ctx, DWORD pageTopic, const HELPINFO& info,
-                           const DWORD* controlTopics);
+                           std::span<const ControlTopic> controlTopics);
 // The pop-up help topic of a control (WM_HELP); nothing for topic 0.
 void ShowControlHelp(HWND control, const PageContext& ctx, DWORD topic);
 

@@ -12,6 +12,7 @@ namespace kx20 {
 namespace {
 
 constexpr UINT_PTR kSubclassId = 0x4b58;  // one subclass per list
+constexpr int kSlotNameColumnWidth = 90;
 
 int RowCount(HWND list) {
     return static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
@@ -164,12 +165,6 @@ bool SlotPageBusy::Any() {
     return g_busyFlows > 0;
 }
 
-void SetStringCaption(HWND dialog, int control, ResourceStrings& strings, std::uint32_t id) {
-    const std::u16string text = strings.Load(id).value_or(std::u16string());
-    if (!text.empty())
-        SetControlText(dialog, control, text);
-}
-
 void ShowStatusLine(HWND dialog, std::u16string_view text) {
     if (ControlText(dialog, IDC_PRINTER_STATUS) != text)
         SetControlText(dialog, IDC_PRINTER_STATUS, text);
@@ -181,6 +176,110 @@ void HookSlotList(HWND list, SlotListKeys* keys) {
 
 void UnhookSlotList(HWND list) {
     RemoveWindowSubclass(list, SlotListProc, kSubclassId);
+}
+
+SlotListWindow::SlotListWindow(HWND hwnd, PageContext& ctx, const Layout& layout)
+    : hwnd_(hwnd),
+      ctx_(ctx),
+      layout_(layout),
+      refresh_(RegisterWindowMessageW(ToWide(RefreshMessageName(layout.refresh)).c_str())) {}
+
+SlotListWindow::~SlotListWindow() = default;
+
+void SlotListWindow::OnInit() {
+    keys_.onDelete = [this] {
+        if (Model().DeleteKeyActs())
+            Delete();
+    };
+    if (layout_.keysAct) {
+        keys_.onReturn = [this] { Act(); };
+        keys_.onDoubleClick = [this] {
+            if (Model().ActEnabled())
+                Act();
+        };
+    }
+    HookSlotList(List(), &keys_);
+    SetLabels(hwnd_, ctx_, layout_.labels);
+    SetupSlotList(List(), kSlotNameColumnWidth);
+    Model().Initialise();
+}
+
+void SlotListWindow::ShowHelp() {
+    ShowPageHelp(hwnd_, ctx_, layout_.pageTopic);
+}
+
+bool SlotListWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) {
+    if (message != 0 && message == refresh_) {
+        Model().OnRefresh(static_cast<WindowId>(lParam));
+        ShowAll();
+        result = 0;
+        return true;
+    }
+    switch (message) {
+        case WM_COMMAND:
+            if (HIWORD(wParam) != BN_CLICKED)
+                return false;
+            if (LOWORD(wParam) == layout_.act)
+                Act();
+            else if (LOWORD(wParam) == layout_.del)
+                Delete();
+            else
+                return false;
+            result = 0;
+            return true;
+        case WM_NOTIFY:
+            if (!IsSlotStateChange(lParam, layout_.list))
+                return false;
+            if (!filling_.Filling())
+                SelectionChanged();
+            result = 0;
+            return true;
+        case WM_HELP:
+            ShowPageOrControlHelp(hwnd_, ctx_, layout_.pageTopic,
+                                  *reinterpret_cast<const HELPINFO*>(lParam),
+                                  layout_.controlTopics);
+            result = TRUE;
+            return true;
+        case WM_DESTROY:
+            UnhookSlotList(List());
+            return false;
+        default:
+            return false;
+    }
+}
+
+void SlotListWindow::ShowAll() {
+    bool changed = false;
+    {
+        EchoGuard guard(filling_);
+        changed = ShowSlotRows(List(), Model().Rows(), Model().Selection());
+    }
+    if (changed)
+        RowsChanged();
+    ShowStatusLine(hwnd_, Model().StatusText());
+    ShowEnablement();
+}
+
+void SlotListWindow::ShowEnablement() {
+    SlotListPage& model = Model();
+    EnableControl(hwnd_, layout_.list, model.ListEnabled());
+    EnableControl(hwnd_, layout_.act, model.ActEnabled());
+    EnableControl(hwnd_, layout_.del, model.DeleteEnabled());
+    ShowOwnEnablement();
+}
+
+void SlotListWindow::SelectionChanged() {
+    Model().SetSelection(SelectedRows(List()));
+    SelectionShown();
+    ShowEnablement();
+}
+
+void SlotListWindow::Delete() {
+    SlotPageBusy busy;
+    Model().DeleteSelected();
+    ShowAll();
+    DeletionShown();
+    SetFocus(List());
 }
 
 }  // namespace kx20
