@@ -1,5 +1,6 @@
 // Developer's trace: written only while the marker file exists, appended to a fixed text file,
-// one call per line. Switching it on or off needs no restart: the marker is tested every call.
+// one call per line. Switching it on or off needs no restart: the marker is tested by every
+// call into the module (see TraceCall) and, while it is present, by every line.
 #pragma once
 
 #include <cstdint>
