@@ -124,6 +124,20 @@ if(KX20_DEMO_SOURCES)
   add_dependencies(kx20demo kvorsgui kvorsenu kvorsxps kx20_package)
 endif()
 
+# The benchmark of the entry points and the idle device sheet under Wine (bench/wine_bench.sh).
+file(GLOB KX20_WINE_BENCH_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/bench/wine/*.cpp)
+if(KX20_WINE_BENCH_SOURCES)
+  add_executable(kx20_wine_bench ${KX20_WINE_BENCH_SOURCES} ${KX20_WINHOST_SOURCES})
+  target_link_libraries(kx20_wine_bench PRIVATE kx20win32 kx20memory kx20core compstui ${KX20_SYSTEM_LIBS})
+  target_include_directories(kx20_wine_bench PRIVATE ${CMAKE_SOURCE_DIR})
+  target_compile_options(kx20_wine_bench PRIVATE ${KX20_WARNINGS})
+  target_link_options(kx20_wine_bench PRIVATE ${KX20_STATIC_LINK} -municode)
+  add_dependencies(kx20_wine_bench kvorsgui kvorsenu kvorsxps kx20_package)
+  if(TARGET kvorsmon)
+    add_dependencies(kx20_wine_bench kvorsmon)
+  endif()
+endif()
+
 # Self-containment and export names of the shipped DLLs, as the package holds them.
 add_test(NAME kvorsgui_dll_check
          COMMAND ${CMAKE_SOURCE_DIR}/scripts/check-dll.sh ${KX20_PACKAGE_DIR}/kvorsgui.dll

@@ -19,6 +19,24 @@ TraceTarget& Target() {
     return target;
 }
 
+// The calling thread's open calls, and whether the outermost one has found the marker absent.
+struct CallState {
+    int depth = 0;
+    bool markerAbsent = false;
+};
+thread_local CallState tCall;
+
+bool MarkerPresent(TraceTarget& t) {
+    if (!t.files || !t.clock)
+        return false;
+    if (tCall.depth > 0 && tCall.markerAbsent)
+        return false;
+    const bool present = t.files->Exists(t.paths.marker);
+    if (!present && tCall.depth > 0)
+        tCall.markerAbsent = true;
+    return present;
+}
+
 // The output file is written in text mode: every line feed goes to disk as CR LF.
 bool WriteText(FileHandle& file, std::string_view text) {
     std::string out;
@@ -61,9 +79,18 @@ void SetTraceTarget(FileSystem* files, Clock* clock, TracePaths paths) {
     Target() = TraceTarget{files, clock, std::move(paths)};
 }
 
+TraceCall::TraceCall() {
+    if (tCall.depth++ == 0)
+        tCall.markerAbsent = false;
+}
+
+TraceCall::~TraceCall() {
+    --tCall.depth;
+}
+
 void DrvTraceArgs(std::u16string_view format, std::span<const FormatArg> args) {
     TraceTarget& t = Target();
-    if (!t.files || !t.clock || !t.files->Exists(t.paths.marker))
+    if (!MarkerPresent(t))
         return;
     auto file = t.files->Open(t.paths.output, OpenMode::AppendOrCreate, ShareMode::ReadWrite);
     if (!file)
@@ -78,7 +105,7 @@ void DrvTraceArgs(std::u16string_view format, std::span<const FormatArg> args) {
 
 std::uint32_t DrvTraceData(std::u16string_view text, ByteSpan data) {
     TraceTarget& t = Target();
-    if (!t.files || !t.clock || !t.files->Exists(t.paths.marker))
+    if (!MarkerPresent(t))
         return 1;
     auto file = t.files->Open(t.paths.output, OpenMode::AppendOrCreate, ShareMode::ReadWrite);
     if (!file)

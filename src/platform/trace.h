@@ -1,5 +1,6 @@
 // Developer's trace: written only while the marker file exists, appended to a fixed text file,
-// one call per line. Switching it on or off needs no restart: the marker is tested every call.
+// one call per line. Switching it on or off needs no restart: the marker is tested by every
+// call into the module (see TraceCall) and, while it is present, by every line.
 #pragma once
 
 #include <cstdint>
@@ -36,6 +37,20 @@ void DrvTrace(std::u16string_view format, const A&... args) {
     const FormatArg list[] = {FormatArg(args)..., FormatArg(0)};
     DrvTraceArgs(format, std::span<const FormatArg>(list, sizeof...(A)));
 }
+
+// One call into the module as the trace sees it: an entry point's call or one message of a
+// page's window. Inside it, once the marker has been found absent, the call's further lines do
+// not ask the file system again; a marker created before the call starts is seen by the call,
+// one created during it by the next call. While the marker is present every line asks, so
+// deleting it stops the trace at the next line. Calls nest; the outermost one starts afresh.
+// The state is the calling thread's own.
+class TraceCall {
+  public:
+    TraceCall();
+    ~TraceCall();
+    TraceCall(const TraceCall&) = delete;
+    TraceCall& operator=(const TraceCall&) = delete;
+};
 
 // A text line and a hexadecimal dump of `data`. Answers 0 when the lines were written, or the
 // failing status: 1 when the marker is absent, 2 when the output cannot be opened, 3 when

@@ -99,5 +99,51 @@ TEST_F(Trace, FailedOpenIsSilentAndReported) {
     EXPECT_EQ(DrvTraceData(u"x", Bytes{1}), 2u);
 }
 
+// A file system that counts how often the marker is asked for.
+class CountingFiles : public MemoryFileSystem {
+  public:
+    bool Exists(std::u16string_view path) override {
+        ++existsCalls;
+        return MemoryFileSystem::Exists(path);
+    }
+    int existsCalls = 0;
+};
+
+TEST(TraceCalls, AnAbsentMarkerIsAskedForOncePerCallAndAPresentOneOnEveryLine) {
+    CountingFiles files;
+    ManualClock clock;
+    SetTraceTarget(&files, &clock, {u"marker", u"out"});
+    auto output = [&] {
+        const Bytes* b = files.Get(u"out");
+        return b ? std::string(b->begin(), b->end()) : std::string();
+    };
+    {
+        const TraceCall call;
+        DrvTrace(u"a\n");
+        EXPECT_EQ(DrvTraceData(u"b", Bytes{1}), 1u);
+        const TraceCall nested;
+        DrvTrace(u"c\n");
+        files.Put(u"marker", {});  // made during the call: seen from the next call on
+        DrvTrace(u"lost\n");
+    }
+    EXPECT_EQ(files.existsCalls, 1);
+    {
+        const TraceCall call;
+        DrvTrace(u"seen\n");
+        DrvTrace(u"seen too\n");
+        files.Remove(u"marker");  // deleted while present: the next line stops
+        DrvTrace(u"after\n");
+    }
+    EXPECT_EQ(files.existsCalls, 4);
+    EXPECT_EQ(output().find("lost"), std::string::npos);
+    EXPECT_NE(output().find("seen too"), std::string::npos);
+    EXPECT_EQ(output().find("after"), std::string::npos);
+    // Outside any call every line asks, as before.
+    DrvTrace(u"x\n");
+    DrvTrace(u"y\n");
+    EXPECT_EQ(files.existsCalls, 6);
+    SetTraceTarget(nullptr, nullptr);
+}
+
 }  // namespace
 }  // namespace kx20

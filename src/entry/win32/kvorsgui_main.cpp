@@ -75,6 +75,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
 
 extern "C" __declspec(dllexport) BOOL WINAPI
     DrvConvertDevMode(LPWSTR printerName, DEVMODEW*, DEVMODEW* out, LONG* size, DWORD mode) {
+    const kx20::TraceCall traceCall;
     using namespace kx20;
     Win32Platform platform;
     std::int32_t inOut = size ? *size : 0;
@@ -95,6 +96,7 @@ extern "C" __declspec(dllexport) BOOL WINAPI
 // capability's answer needs.
 extern "C" __declspec(dllexport) DWORD WINAPI
     DrvDeviceCapabilities(HANDLE, PWSTR deviceName, DWORD capability, PVOID output, DEVMODEW*) {
+    const kx20::TraceCall traceCall;
     using namespace kx20;
     Win32Platform platform;
     Win32System system;
@@ -110,6 +112,7 @@ extern "C" __declspec(dllexport) DWORD WINAPI
 // without a record.
 extern "C" __declspec(dllexport) int WINAPI
     DrvDocumentEvent(HANDLE printer, HDC, int event, ULONG inSize, PVOID in, ULONG, PVOID) {
+    const kx20::TraceCall traceCall;
     using namespace kx20;
     constexpr std::size_t kDevModeMember = 5;
     kx20::ByteSpan record;
@@ -123,6 +126,7 @@ extern "C" __declspec(dllexport) int WINAPI
 
 extern "C" __declspec(dllexport) BOOL WINAPI
     DrvPrinterEvent(LPWSTR printerName, INT event, DWORD, LPARAM) {
+    const kx20::TraceCall traceCall;
     using namespace kx20;
     Win32Platform platform;
     Win32Prompts prompts;
@@ -130,6 +134,7 @@ extern "C" __declspec(dllexport) BOOL WINAPI
 }
 
 extern "C" __declspec(dllexport) BOOL WINAPI DrvUpgradePrinter(DWORD level, LPBYTE info) {
+    const kx20::TraceCall traceCall;
     using namespace kx20;
     auto* upgrade = reinterpret_cast<DriverUpgradeInfo*>(info);
     if (!upgrade)
@@ -147,6 +152,7 @@ extern "C" __declspec(dllexport) BOOL WINAPI DevQueryPrintEx(void*) {
 // calling process; under Wine the query answers TRUE, as DevQueryPrintEx does for every job.
 extern "C" __declspec(dllexport) BOOL WINAPI
     DevQueryPrint(HANDLE printer, DEVMODEW* devMode, DWORD* resourceId) {
+    const kx20::TraceCall traceCall;
     using Fn = BOOL(WINAPI*)(HANDLE, DEVMODEW*, DWORD*);
     if (GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version")) {
         kx20::DrvTrace(u"DevQueryPrint: no system implementation under Wine, returning TRUE\n");

@@ -129,6 +129,7 @@ LONG WithSheetState(PROPSHEETUI_INFO* info, Run&& run) {
 
 extern "C" __declspec(dllexport) LONG WINAPI
     DrvDevicePropertySheets(PROPSHEETUI_INFO* info, LPARAM lParam) {
+    const kx20::TraceCall traceCall;
     using namespace kx20;
     if (!info)
         return -1;
@@ -148,6 +149,7 @@ extern "C" __declspec(dllexport) LONG WINAPI
 
 extern "C" __declspec(dllexport) LONG WINAPI
     DrvDocumentPropertySheets(PROPSHEETUI_INFO* info, LPARAM lParam) {
+    const kx20::TraceCall traceCall;
     using namespace kx20;
     auto* header = reinterpret_cast<DocumentPropertyHeader*>(info ? info->lParamInit : lParam);
     if (!header)

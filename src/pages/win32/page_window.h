@@ -59,6 +59,7 @@ void ShowControlHelp(HWND control, const PageContext& ctx, DWORD topic);
 //                                                           // WM_NOTIFY of the controls)
 template <class Page>
 INT_PTR RunPage(const char16_t* name, HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    const TraceCall traceCall;
     auto result = [hwnd](LRESULT value) {
         SetWindowLongPtrW(hwnd, DWLP_MSGRESULT, value);
         return static_cast<INT_PTR>(TRUE);
