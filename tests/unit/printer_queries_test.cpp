@@ -9,10 +9,6 @@
 #include <string>
 
 #include "platform/trace.h"
-#include "platform/memory/memory_files.h"
-#include "platform/memory/memory_monitor.h"
-#include "platform/memory/memory_registry.h"
-#include "platform/memory/memory_spooler.h"
 #include "store/registry_layout.h"
 
 namespace kx20::channel {
