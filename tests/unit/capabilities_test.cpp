@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "devmode/devmode.h"
+#include "devmode/roll_papers.h"
 #include "platform/resources.h"
 #include "platform/trace.h"
 #include "platform/memory/memory_platform.h"
@@ -71,6 +72,16 @@ TEST_F(CapabilitiesTest, AnswersAgreeWithTheDeviceModeAndThePaperTable) {
         EXPECT_EQ(ReadUtf16Field(names, i * kPaperNameChars * 2, kPaperNameChars),
                   BuiltinStrings().Load(table[i].nameId).value_or(u"?"));
         EXPECT_EQ(PaperIdFromBit(BitFromPaperId(table[i].id)), table[i].id);
+        // The device settings page lists the same papers in the same order.
+        const RollPaper& roll = RollPapers()[i];
+        EXPECT_EQ(roll.bit, table[i].bit);
+        EXPECT_EQ(roll.bit, 1u << i);
+        EXPECT_EQ(roll.paperId, table[i].id);
+        EXPECT_EQ(roll.widthDots, static_cast<std::uint32_t>(table[i].widthDots));
+        EXPECT_EQ(roll.lengthDots, static_cast<std::uint32_t>(table[i].lengthDots));
+        EXPECT_EQ(roll.widthTenthMm, static_cast<std::uint32_t>(table[i].width));
+        EXPECT_EQ(roll.lengthTenthMm, static_cast<std::uint32_t>(table[i].length));
+        EXPECT_EQ(roll.nameString, table[i].nameId);
         minW = std::min(minW, table[i].width), maxW = std::max(maxW, table[i].width);
         minL = std::min(minL, table[i].length), maxL = std::max(maxL, table[i].length);
         if (table[i].id == ReadDmShort(dev, kOffDmPaperSize)) defaultPaper = static_cast<int>(i);

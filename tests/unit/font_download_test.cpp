@@ -114,6 +114,15 @@ TEST_F(FontDownload, AStationWithoutCharactersRecordsNothingForIt) {
     std::u16string impactName = u"none";
     EXPECT_FALSE(store::GetDBCSFontName(p, kPrinter, false, impactName));
     EXPECT_EQ(names.dbcsImpact, u"");
+
+    // One impact character is enough to record the impact font.
+    FonFile one;
+    one.codePage = 932;
+    one.Dbcs(0x88, 0x9F, false, true);
+    files.Put(u"C:\\one.fon", one.Build());
+    Load(u"C:\\one.fon", false);
+    EXPECT_NE(CatalogueCrc(false), 0u);
+    EXPECT_EQ(CatalogueCrc(false), printer.Checksum(7));
 }
 
 TEST_F(FontDownload, TaggedFailuresStopWhereTheyHappen) {
