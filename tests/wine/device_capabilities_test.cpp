@@ -45,8 +45,9 @@ TEST(SpoolerCapabilities, AnswersArriveInBothFormsAndAgreeWithTheDeviceMode) {
     for (int i = 0; i < 6; ++i) {
         EXPECT_GT(lstrlenW(names[i]), 0) << "names from KVORSENU.DLL";
         EXPECT_EQ(std::wstring(names[i]), std::wstring(narrow[i], narrow[i] + strlen(narrow[i])));
-        if (papers[i] == ReadU16(dev, kOffDmPaperSize))
+        if (papers[i] == ReadU16(dev, kOffDmPaperSize)) {
             EXPECT_STREQ(ready, names[i]);
+        }
     }
     wchar_t files[4] = {};
     EXPECT_EQ(Ask(DC_FILEDEPENDENCIES, files), 0xFFFFFFFFu);
