@@ -1,12 +1,16 @@
-// The capability answers of the driver, with the paper names loaded from the resource module
-// found beside the driver's first dependent file.
+// The capability answers checked against each other, the paper table and the default device
+// mode; paper names come from the resource module found beside the driver's first dependent file.
 #include "entry/capabilities.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
+#include "devmode/devmode.h"
+#include "devmode/roll_papers.h"
+#include "platform/resources.h"
 #include "platform/trace.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/memory/memory_system.h"
@@ -22,127 +26,118 @@ class CapabilitiesTest : public ::testing::Test, protected MemoryPlatform {
     void SetUp() override {
         SetTraceTarget(&files, &clock, {u"marker", u"out"});
         files.Put(u"marker", {});
-        auto& printer = spooler.AddPrinter(u"KX20");
         DriverInfo driver;
         driver.name = u"KVO KX20";
         driver.dependentFiles = {kModule, u"C:\\spool\\drivers\\x64\\3\\kvorsgui.dll"};
-        printer.driver = driver;
+        spooler.AddPrinter(u"KX20").driver = driver;
         system.AddModule(kModule);
     }
     void TearDown() override { SetTraceTarget(nullptr, nullptr); }
 
-    std::int32_t Ask(std::uint32_t capability, std::vector<std::uint8_t>* out = nullptr) {
-        if (!out)
-            return AnswerCapability(p, system, u"KX20", capability, {}, false);
-        return AnswerCapability(p, system, u"KX20", capability, *out, true);
-    }
-
-    static std::u16string TextAt(const std::vector<std::uint8_t>& b, std::size_t chars,
-                                 std::size_t index) {
-        return ReadUtf16Field(b, index * chars * 2, chars);
+    std::int32_t Ask(std::uint32_t cap) { return AnswerCapability(p, system, u"KX20", cap, {}, false); }
+    // The answer into a buffer of exactly the size the capability writes at most.
+    Bytes Out(std::uint32_t cap, std::int32_t* result = nullptr) {
+        Bytes out(CapabilityOutputSize(cap), 0xEE);
+        const std::int32_t r = AnswerCapability(p, system, u"KX20", cap, out, true);
+        if (result) *result = r;
+        return out;
     }
 
     MemorySystem system;
+    const Bytes dev{gsDevMode().begin(), gsDevMode().end()};
 };
 
-TEST_F(CapabilitiesTest, ConstantAnswers) {
-    struct Row {
-        std::uint32_t cap;
-        std::int32_t result;
-    };
-    const Row rows[] = {{1, 0x670F}, {6, 0},   {7, 0},     {8, 220}, {9, 5784},  {10, 0x401},
-                        {11, 0x400}, {12, 0},  {15, 1},    {17, 90}, {18, 1000}, {19, -1},
-                        {20, -1},    {21, -1}, {22, 0},    {23, 0},  {24, 0},    {26, 2340},
-                        {27, 3},     {28, 0},  {30, 0},    {31, 0},  {32, 1},    {33, 0},
-                        {0, 0},      {34, 0},  {0xFFFF, 0}};
-    for (const Row& r : rows) {
-        std::vector<std::uint8_t> out(64, 0xEE);
-        EXPECT_EQ(Ask(r.cap, &out), r.result) << r.cap;
-        EXPECT_EQ(out, std::vector<std::uint8_t>(64, 0xEE)) << r.cap << " writes nothing";
+TEST_F(CapabilitiesTest, AnswersAgreeWithTheDeviceModeAndThePaperTable) {
+    EXPECT_EQ(Ask(dc::kSize), ReadU16(dev, kOffDmSize));
+    EXPECT_EQ(Ask(dc::kExtra), ReadU16(dev, kOffDmDriverExtra));
+    EXPECT_EQ(Ask(dc::kSize) + Ask(dc::kExtra), static_cast<std::int32_t>(dev.size()));
+    EXPECT_EQ(Ask(dc::kVersion), ReadU16(dev, kOffDmSpecVersion));
+    EXPECT_EQ(Ask(dc::kDriver), ReadU16(dev, kOffDmDriverVersion));
+    EXPECT_GE(Ask(dc::kCopies), ReadDmShort(dev, kOffDmCopies));
+    EXPECT_TRUE(Ask(dc::kFields) & kDmPaperSize);
+
+    const auto& table = PaperTable();
+    std::int32_t count = 0;
+    const Bytes ids = Out(dc::kPapers, &count), sizes = Out(dc::kPaperSize);
+    const Bytes names = Out(dc::kPaperNames);
+    ASSERT_EQ(count, static_cast<std::int32_t>(kPaperCount));
+    EXPECT_EQ(Ask(dc::kPaperSize), count);
+    EXPECT_EQ(Ask(dc::kPaperNames), count);
+    std::int32_t minW = 1 << 30, minL = 1 << 30, maxW = 0, maxL = 0;
+    int defaultPaper = -1;
+    for (std::size_t i = 0; i < kPaperCount; ++i) {
+        EXPECT_EQ(ReadU16(ids, 2 * i), table[i].id);
+        EXPECT_EQ(ReadU32(sizes, 8 * i), static_cast<std::uint32_t>(table[i].width));
+        EXPECT_EQ(ReadU32(sizes, 8 * i + 4), static_cast<std::uint32_t>(table[i].length));
+        EXPECT_EQ(ReadUtf16Field(names, i * kPaperNameChars * 2, kPaperNameChars),
+                  BuiltinStrings().Load(table[i].nameId).value_or(u"?"));
+        EXPECT_EQ(PaperIdFromBit(BitFromPaperId(table[i].id)), table[i].id);
+        // The device settings page lists the same papers in the same order.
+        const RollPaper& roll = RollPapers()[i];
+        EXPECT_EQ(roll.bit, table[i].bit);
+        EXPECT_EQ(roll.bit, 1u << i);
+        EXPECT_EQ(roll.paperId, table[i].id);
+        EXPECT_EQ(roll.widthDots, static_cast<std::uint32_t>(table[i].widthDots));
+        EXPECT_EQ(roll.lengthDots, static_cast<std::uint32_t>(table[i].lengthDots));
+        EXPECT_EQ(roll.widthTenthMm, static_cast<std::uint32_t>(table[i].width));
+        EXPECT_EQ(roll.lengthTenthMm, static_cast<std::uint32_t>(table[i].length));
+        EXPECT_EQ(roll.nameString, table[i].nameId);
+        minW = std::min(minW, table[i].width), maxW = std::max(maxW, table[i].width);
+        minL = std::min(minL, table[i].length), maxL = std::max(maxL, table[i].length);
+        if (table[i].id == ReadDmShort(dev, kOffDmPaperSize)) defaultPaper = static_cast<int>(i);
     }
-    // File dependencies: 0 without an output buffer, -1 with one.
-    std::vector<std::uint8_t> out(8);
-    EXPECT_EQ(Ask(14), 0);
-    EXPECT_EQ(Ask(14, &out), -1);
-    // Extents in whole millimetres (85.7 mm comes out as 85): width low, length high.
-    EXPECT_EQ(Ask(4), 48 | (274 << 16));
-    EXPECT_EQ(Ask(5), 85 | (3276 << 16));
+    // Only a name and its terminator are written, as the system's string copy does.
+    EXPECT_EQ(names[kPaperNameChars * 2 - 1], 0xEE);
+    // Extents in whole millimetres: width low, length high.
+    EXPECT_EQ(Ask(dc::kMinExtent), minW / 10 | (minL / 10) << 16);
+    EXPECT_EQ(Ask(dc::kMaxExtent), maxW / 10 | (maxL / 10) << 16);
+    // The paper ready is the default record's paper.
+    ASSERT_GE(defaultPaper, 0);
+    const Bytes media = Out(dc::kMediaReady, &count);
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(ReadUtf16Field(media, 0, kMediaReadyChars),
+              ReadUtf16Field(names, defaultPaper * kPaperNameChars * 2, kPaperNameChars));
+    // The default record's resolution is one of those offered, each square.
+    const Bytes res = Out(dc::kEnumResolutions, &count);
+    ASSERT_EQ(res.size(), static_cast<std::size_t>(count) * 8);
+    bool offered = false;
+    for (std::int32_t i = 0; i < count; ++i) {
+        EXPECT_EQ(ReadU32(res, 8 * i), ReadU32(res, 8 * i + 4));
+        offered |= ReadU32(res, 8 * i) == static_cast<std::uint32_t>(ReadDmShort(dev, kOffDmPrintQuality)) &&
+                    ReadU32(res, 8 * i + 4) == static_cast<std::uint32_t>(ReadDmShort(dev, kOffDmYResolution));
+    }
+    EXPECT_TRUE(offered);
+    const Bytes personalities = Out(dc::kPersonality, &count);
+    ASSERT_EQ(personalities.size(), static_cast<std::size_t>(count) * kPersonalityChars * 2);
+    for (std::int32_t i = 0; i < count; ++i)
+        EXPECT_FALSE(ReadUtf16Field(personalities, i * kPersonalityChars * 2, kPersonalityChars).empty());
 }
 
-TEST_F(CapabilitiesTest, PaperListsComeFromTheOneTable) {
-    std::vector<std::uint8_t> papers(CapabilityOutputSize(2), 0);
-    EXPECT_EQ(Ask(2, &papers), 6);
-    for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(ReadU16(papers, 2 * i), 257 + i);
-
-    std::vector<std::uint8_t> sizes(CapabilityOutputSize(3), 0);
-    EXPECT_EQ(Ask(3, &sizes), 6);
-    const std::int32_t expected[6][2] = {{580, 2970},  {580, 32760}, {800, 2970},
-                                         {800, 32760}, {480, 2740},  {857, 2740}};
-    for (std::size_t i = 0; i < 6; ++i) {
-        EXPECT_EQ(ReadU32(sizes, 8 * i), static_cast<std::uint32_t>(expected[i][0]));
-        EXPECT_EQ(ReadU32(sizes, 8 * i + 4), static_cast<std::uint32_t>(expected[i][1]));
+TEST_F(CapabilitiesTest, EveryCapabilityStaysInItsOutputAndIgnoresTheHighBits) {
+    for (std::uint32_t cap = 0; cap <= 40; ++cap) {
+        Bytes out(CapabilityOutputSize(cap) + 16, 0xEE);
+        const std::int32_t with = AnswerCapability(p, system, u"KX20", cap, out, true);
+        EXPECT_TRUE(std::all_of(out.end() - 16, out.end(), [](auto b) { return b == 0xEE; })) << cap;
+        EXPECT_EQ(Ask(cap | 0xABCD0000), Ask(cap)) << cap;
+        // File dependencies: none listed, -1 for a caller who gave a buffer.
+        EXPECT_EQ(with, cap == dc::kFileDependencies ? -1 : Ask(cap)) << cap;
     }
-
-    std::vector<std::uint8_t> names(CapabilityOutputSize(16), 0xEE);
-    EXPECT_EQ(Ask(16, &names), 6);
-    EXPECT_EQ(TextAt(names, 64, 0), u"Roll Paper 58 x 297 mm");
-    EXPECT_EQ(TextAt(names, 64, 2), u"Roll Paper 80 x 297 mm");
-    EXPECT_EQ(TextAt(names, 64, 5), u"Roll Paper 85.7 x 274 mm");
-    // Only the text and its terminator are written, as the system's string copy does.
-    EXPECT_EQ(names[64 * 2 - 1], 0xEE);
-
-    // Without an output the counts are the same and nothing is touched.
-    EXPECT_EQ(Ask(2), 6);
-    EXPECT_EQ(Ask(16), 6);
-    // The high 16 bits of the capability are not looked at.
-    EXPECT_EQ(Ask(0x10002), 6);
-    EXPECT_EQ(Ask(0xABCD0004), 48 | (274 << 16));
-}
-
-TEST_F(CapabilitiesTest, TextAnswers) {
-    std::vector<std::uint8_t> res(CapabilityOutputSize(13), 0);
-    EXPECT_EQ(Ask(13, &res), 2);
-    EXPECT_EQ(ReadU32(res, 0), 150u);
-    EXPECT_EQ(ReadU32(res, 4), 150u);
-    EXPECT_EQ(ReadU32(res, 8), 200u);
-    EXPECT_EQ(ReadU32(res, 12), 200u);
-
-    std::vector<std::uint8_t> personality(CapabilityOutputSize(25), 0);
-    EXPECT_EQ(Ask(25, &personality), 2);
-    EXPECT_EQ(TextAt(personality, 32, 0), u"RS-232");
-    EXPECT_EQ(TextAt(personality, 32, 1), u"RS-485");
-
-    // The default paper's name, in a buffer only as long as the name needs.
-    std::vector<std::uint8_t> media(2 * 23, 0);
-    EXPECT_EQ(AnswerCapability(p, system, u"KX20", 29, media, true), 1);
-    EXPECT_EQ(ReadUtf16Field(media, 0, 23), u"Roll Paper 80 x 297 mm");
+    EXPECT_EQ(Ask(dc::kFileDependencies), 0);
+    EXPECT_EQ(Ask(0xFFFF), 0);
+    EXPECT_TRUE(Ask(dc::kOrientation) == 90 || Ask(dc::kOrientation) == 270);
 }
 
 TEST_F(CapabilitiesTest, NamesStayAsTheyWereWithoutTheResourceModule) {
     MemorySystem none;  // the module is nowhere
-    std::vector<std::uint8_t> names(CapabilityOutputSize(16), 0xEE);
-    EXPECT_EQ(AnswerCapability(p, none, u"KX20", 16, names, true), 6);
-    EXPECT_EQ(names, std::vector<std::uint8_t>(CapabilityOutputSize(16), 0xEE));
+    Bytes names(CapabilityOutputSize(dc::kPaperNames), 0xEE);
+    EXPECT_EQ(AnswerCapability(p, none, u"KX20", dc::kPaperNames, names, true), 6);
+    EXPECT_EQ(names, Bytes(names.size(), 0xEE));
     // Looked for beside the dependent file, once with the user's suffix and once with the first.
     EXPECT_EQ(none.loadAttempts, (std::vector<std::u16string>{kModule, kModule}));
-
-    // An unknown printer still gets every answer; the module cannot be found without the
-    // driver's files.
-    EXPECT_EQ(AnswerCapability(p, system, u"Nowhere", 2, {}, false), 6);
-    const auto trace = TraceMessages(files);
-    EXPECT_NE(std::find(trace.begin(), trace.end(), "   Error -- LoadLibrary() failed!\n"),
-              trace.end());
-}
-
-TEST_F(CapabilitiesTest, TraceNamesTheCapabilityAndTheResult) {
-    std::vector<std::uint8_t> out(12);
-    Ask(2, &out);
-    Ask(23);
-    EXPECT_EQ(TraceMessages(files),
-              (std::vector<std::string>{"   pDeviceName = KX20, pvOutput non-NULL? = 1, \n",
-                                        "  iDevCap = DC_PAPERS\n", "   Return 6\n",
-                                        "   pDeviceName = KX20, pvOutput non-NULL? = 0, \n",
-                                        "  UNKNOWN iDevCap = 23\n", "   Return 0\n"}));
+    // An unknown printer still gets every answer.
+    EXPECT_EQ(AnswerCapability(p, system, u"Nowhere", dc::kPapers, {}, false), 6);
+    EXPECT_TRUE(TraceHas(files, "LoadLibrary"));
+    EXPECT_TRUE(TraceHas(files, "DC_PAPERS"));
 }
 
 }  // namespace

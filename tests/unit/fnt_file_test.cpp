@@ -77,9 +77,16 @@ TEST(FntRecords, WalkOrderCodePageAndRowsTopFirst) {
     EXPECT_EQ(records[2][kFntRecThermalGlyph + 3 * 23], 2 * 16 + 7);
     EXPECT_EQ(records[2][kFntRecThermalGlyph + 1], 0);
 
+    // A second lead-byte range follows the first.
+    f.leadRanges = {0x88, 0x88, 0x8A, 0x8B, 0, 0, 0, 0};
+    ASSERT_TRUE(ReadFntRecords(f.Build(6), u"c:\\fonts\\roc24.fnt", true, codePage, records));
+    ASSERT_EQ(records.size(), 6u);
+    EXPECT_EQ(records[2][kFntRecLead], 0x8A);
+    EXPECT_EQ(records[5][kFntRecLead], 0x8B);
+
     // The code page stays as given when the path has no mark.
     codePage = 7;
-    ASSERT_TRUE(ReadFntRecords(f.Build(4), u"c:\\fonts\\x.fnt", true, codePage, records));
+    ASSERT_TRUE(ReadFntRecords(f.Build(6), u"c:\\fonts\\x.fnt", true, codePage, records));
     EXPECT_EQ(codePage, 7u);
 }
 

@@ -18,6 +18,10 @@ TEST(Format, IntegerConversionsFollowPrintf) {
     EXPECT_EQ(Format(u"%#x %#X %o %c", 255, 255, 8, 'A'), u"0xff 0XFF 10 A");
     EXPECT_EQ(Format(u"%p", 0x1234), u"0000000000001234");
     EXPECT_EQ(Format(u"%hd", 70000), u"4464");
+    // The space flag signs only signed conversions; a precision of 0 prints no digit for 0.
+    // With a precision the 0 flag pads with spaces.
+    EXPECT_EQ(Format(u"[% i][% x][% u][%.0d][%.3d][%05.3d][%05.0d]", 3, 10, 4, 0, 7, 7, 7),
+              u"[ 3][a][4][][007][  007][    7]");
 }
 
 TEST(Format, TextsOfEitherWidth) {

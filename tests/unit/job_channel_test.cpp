@@ -4,11 +4,6 @@
 
 #include "platform/memory/memory_platform.h"
 
-#include "platform/memory/memory_files.h"
-#include "platform/memory/memory_monitor.h"
-#include "platform/memory/memory_registry.h"
-#include "platform/memory/memory_spooler.h"
-
 namespace kx20::channel {
 namespace {
 

@@ -9,10 +9,6 @@
 #include <string>
 
 #include "platform/trace.h"
-#include "platform/memory/memory_files.h"
-#include "platform/memory/memory_monitor.h"
-#include "platform/memory/memory_registry.h"
-#include "platform/memory/memory_spooler.h"
 #include "store/registry_layout.h"
 
 namespace kx20::channel {
@@ -162,9 +158,19 @@ TEST_F(PrinterQueries, SetFlashWritableRewritesTheWholeSecondByte) {
     FailCommand(0x16, -1, {0, 0});  // a failed write still gets its follow-up
     EXPECT_FALSE(OutSetFlashWritable(p, kPrinter, true));
     EXPECT_EQ(monitor.calls.size(), 9u);
-    AnswerWith({});  // without the setup nothing is written
+    // The monitor gone between reading the setup and writing it: nothing is written.
+    AnswerWith({0xAB, 0xC1});
+    auto answer = monitor.handler;
+    monitor.handler = [&](auto port, auto name, ByteSpan cmd, MonitorReply& r) {
+        monitor.loadResult = MonitorLoad::LibraryMissing;
+        return answer(port, name, cmd, r);
+    };
     EXPECT_FALSE(OutSetFlashWritable(p, kPrinter, true));
     EXPECT_EQ(monitor.calls.size(), 10u);
+    monitor.loadResult = MonitorLoad::Loaded;
+    AnswerWith({});  // without the setup nothing is written
+    EXPECT_FALSE(OutSetFlashWritable(p, kPrinter, true));
+    EXPECT_EQ(monitor.calls.size(), 11u);
 }
 
 TEST_F(PrinterQueries, EraseSequencesAndMaintenancePassThePrinterName) {

@@ -5,10 +5,6 @@
 #include "platform/memory/memory_platform.h"
 
 #include "platform/trace.h"
-#include "platform/memory/memory_files.h"
-#include "platform/memory/memory_monitor.h"
-#include "platform/memory/memory_registry.h"
-#include "platform/memory/memory_spooler.h"
 #include "platform/text.h"
 
 namespace kx20::store {

@@ -26,28 +26,6 @@ class SimCommands : public ::testing::Test {
     MonitorReply reply;
 };
 
-TEST_F(SimCommands, ReadsAnswerTheirBytes) {
-    EXPECT_EQ(Send({0x17, 0x10}), kOk);
-    EXPECT_EQ(reply.data, (Bytes{0xFE, 0x3F}));
-    EXPECT_TRUE(reply.hasBuffer);
-    EXPECT_EQ(reply.reportedLength, 2u);
-
-    printer.state().status = 0x5A;
-    EXPECT_EQ(Send({0x17, 0x14}), kOk);
-    EXPECT_EQ(reply.data, (Bytes{0x5A}));
-
-    // Configuration values come most significant byte first.
-    ASSERT_EQ(printer.Control(u"config=0xA6:0x1234"), kOk);
-    EXPECT_EQ(Send({0x17, 0xA6}), kOk);
-    EXPECT_EQ(reply.data, (Bytes{0x12, 0x34}));
-    EXPECT_NE(Send({0x17, 0x33}), kOk);  // no such entry
-    EXPECT_FALSE(reply.hasBuffer);
-
-    // An empty area answers four zero bytes.
-    EXPECT_EQ(Checksum(1), (Bytes{0, 0, 0, 0}));
-    EXPECT_EQ(reply.reportedLength, 4u);
-}
-
 TEST_F(SimCommands, ChecksumsFollowContentAndErasure) {
     ASSERT_TRUE(printer.ReceiveJob(LogoBlock(1, 1, 1)).accepted);
     Bytes one = Checksum(1);
@@ -98,18 +76,6 @@ TEST_F(SimCommands, SetupWriteTakesEffectOnTheCommitOfThePortsInterface) {
     EXPECT_NE(Send({0x16, 0x33, 0x81, 0x9F}), kOk);  // only the setup goes this way
 }
 
-TEST_F(SimCommands, ResetAndMaintenanceAreCounted) {
-    EXPECT_EQ(Send({0x79, 0x10, 0x27, 0x00, 0x00}), kOk);
-    EXPECT_EQ(printer.state().lastResetParameter, 10000u);
-    EXPECT_EQ(printer.state().lastResetCommand, 0x79);
-    EXPECT_NE(Send({0x7A, 0x10, 0x27, 0x00, 0x00}), kOk);  // serial reset on a USB port
-    const std::u16string name = u"KX20 Printer";
-    EXPECT_EQ(Send({0x6E}, &name), kOk);
-    EXPECT_EQ(printer.state().resets, 1u);
-    EXPECT_EQ(printer.state().maintenanceCommands, 1u);
-    EXPECT_NE(printer.state().log.back().text.find(u"KX20 Printer"), std::u16string::npos);
-}
-
 TEST_F(SimCommands, MalformedCommandsAreRefusedAndLogged) {
     printer.state().modelCode = 4;
     const Bytes bad[] = {
@@ -153,20 +119,6 @@ TEST_F(SimCommands, DisconnectedPrinterFailsEveryCommand) {
     }
     printer.Control(u"connect");
     EXPECT_EQ(Send({0x19, 0x01}), kOk);
-}
-
-TEST_F(SimCommands, AnswersThroughTheInMemoryCommandChannel) {
-    MemoryCommandChannel channel;
-    channel.handler = printer.Handler();
-    MonitorLoad status;
-    std::uint32_t error = 0;
-    auto session = channel.Load(status, error);
-    ASSERT_TRUE(session);
-    MonitorReply r;
-    Bytes read = {0x17, 0xA7};
-    EXPECT_EQ(session->Send(u"KX20_USB1", nullptr, read, r), kOk);
-    EXPECT_EQ(r.data, (Bytes{0x00, 0x08}));
-    EXPECT_EQ(printer.state().commands, 1u);
 }
 
 TEST_F(SimCommands, ControlsChangeThePrinterOrAreRefused) {

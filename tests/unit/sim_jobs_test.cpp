@@ -39,55 +39,6 @@ TEST(SimJobs, LogoAndMessageAreStoredWithTheirSlots) {
     EXPECT_EQ(s.flash.logos[40].raster.size(), 146880u);
 }
 
-TEST(SimJobs, FontBlockFillsTheFontAreasAndSettings) {
-    PrinterState s = FreshPrinter(u"P");
-    s.setup[1] = 0xFF;  // protected until the block's own setup setting unlocks the flash
-    Bytes job = Cat({
-        Cmd({0x16, 0x33, 0x81, 0x9F}),
-        Cmd({0x16, 0x10, 0xFE, 0x3F}),
-        Cmd({0x14, 0x00, 2}),
-        Bytes{0x81, 0x40},
-        Fill(72, 0),
-        Bytes{0x81, 0x41},
-        Fill(72, 100),
-        Cmd({0x14, 0x01, 1}),
-        Bytes{0x82, 0xA0},
-        Fill(32, 7),
-        // Thermal glyphs are rows: 12 x 24 dots take 2 x 24 bytes.
-        Cmd({0x16, 0x02, 12, 24}),
-        Cmd({0x12, 0x01, 0x41, 0x41}),
-        Fill(48, 1),
-        // Impact glyphs are columns: 12 x 9 dots take 12 x 2 bytes; a range of two codes.
-        Cmd({0x16, 0x04, 12, 9}),
-        Cmd({0x12, 0x05, 0x30, 0x31}),
-        Fill(48, 50),
-        Cmd({0x16, 0x50, 0xA8, 0x03}),
-        Cmd({0x78, 0x60, 0xEA, 0x00, 0x00}),
-        Cmd({0x00}),
-    });
-    JobResult r = ReceiveJob(s, job);
-    ASSERT_TRUE(r.accepted) << Utf16ToUtf8(r.reason);
-    EXPECT_EQ(r.blocks.size(), 11u);
-    EXPECT_EQ(s.flash.dbcsThermal.size(), 2u);
-    EXPECT_EQ(s.flash.dbcsThermal[0x8141], Fill(72, 100));
-    EXPECT_EQ(s.flash.dbcsImpact[0x82A0], Fill(32, 7));
-    ASSERT_EQ(s.flash.sbcsThermal.count(0x41), 1u);
-    EXPECT_EQ(s.flash.sbcsThermal[0x41].bits, Fill(48, 1));
-    EXPECT_EQ(s.flash.sbcsThermal[0x41].width, 12);
-    EXPECT_EQ(s.flash.sbcsImpact[0x30].bits, Fill(24, 50));
-    EXPECT_EQ(s.flash.sbcsImpact[0x31].bits, Fill(24, 74));
-    EXPECT_EQ(s.setup, (std::array<std::uint8_t, 2>{0xFE, 0x3F}));
-    EXPECT_EQ(s.settings[0x33], std::make_pair(std::uint8_t{0x81}, std::uint8_t{0x9F}));
-    EXPECT_EQ(s.settings[0x50], std::make_pair(std::uint8_t{0xA8}, std::uint8_t{0x03}));
-    EXPECT_EQ(s.resets, 1u);
-    EXPECT_EQ(s.lastResetCommand, 0x78);
-    EXPECT_EQ(s.lastResetParameter, 60000u);
-    for (std::uint8_t area :
-         {kAreaSbcsImpact, kAreaSbcsThermal, kAreaDbcsThermal, kAreaDbcsImpact}) {
-        EXPECT_NE(AreaChecksum(s.flash, area), 0u) << int{area};
-    }
-}
-
 TEST(SimJobs, FirmwareSetsTheLevelAndMayBeFollowedByAnotherJob) {
     PrinterState s = FreshPrinter(u"P");  // model 9: family 3
     // A marker inside the image followed by ordinary bytes is image data.

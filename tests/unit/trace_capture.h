@@ -25,4 +25,11 @@ inline std::vector<std::string> TraceMessages(const MemoryFileSystem& files) {
     return out;
 }
 
+// Whether some trace message contains `part`.
+inline bool TraceHas(const MemoryFileSystem& files, const std::string& part) {
+    for (const std::string& m : TraceMessages(files))
+        if (m.find(part) != std::string::npos) return true;
+    return false;
+}
+
 }  // namespace kx20

@@ -1,6 +1,6 @@
-// DeviceCapabilitiesW as applications call it: Wine's spooler loads the driver's
-// configuration module and asks DrvDeviceCapabilities, which finds the paper names in the
-// resource module beside the installed driver.
+// DeviceCapabilitiesW and DocumentPropertiesW as applications call them: Wine's spooler loads
+// the driver's configuration module, which finds the paper names in the resource module beside
+// the installed driver. The answers themselves are the unit suite's; here they must arrive.
 #include "platform/win32/windows_clean.h"
 
 #include <gtest/gtest.h>
@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "devmode/devmode.h"
 #include "tests/wine/wine_environment.h"
 
 namespace kx20::winetest {
@@ -18,85 +19,78 @@ DWORD Ask(WORD capability, void* out = nullptr) {
                                nullptr);
 }
 
-TEST(SpoolerCapabilities, EveryCapabilityAnswersThroughTheSpooler) {
-    struct Row {
-        WORD cap;
-        DWORD result;
-    };
-    const Row rows[] = {
-        {DC_FIELDS, 0x670F},
-        {DC_MINEXTENT, 48 | (274 << 16)},
-        {DC_MAXEXTENT, 85 | (3276 << 16)},
-        {DC_BINS, 0},
-        {DC_DUPLEX, 0},
-        {DC_SIZE, 220},
-        {DC_EXTRA, 5784},
-        {DC_VERSION, 0x401},
-        {DC_DRIVER, 0x400},
-        {DC_BINNAMES, 0},
-        {DC_FILEDEPENDENCIES, 0},
-        {DC_TRUETYPE, 1},
-        {DC_ORIENTATION, 90},
-        {DC_COPIES, 1000},
-        {DC_BINADJUST, 0xFFFFFFFF},
-        {DC_EMF_COMPLIANT, 0xFFFFFFFF},
-        {DC_DATATYPE_PRODUCED, 0xFFFFFFFF},
-        {DC_COLLATE, 0},
-        {23, 0},
-        {24, 0},
-        {DC_PRINTRATE, 2340},
-        {DC_PRINTRATEUNIT, 3},
-        {DC_PRINTERMEM, 0},
-        {DC_STAPLE, 0},
-        {DC_PRINTRATEPPM, 0},
-        {DC_COLORDEVICE, 1},
-        {DC_NUP, 0},
-    };
-    for (const Row& r : rows) EXPECT_EQ(Ask(r.cap), r.result) << "capability " << r.cap;
-}
+TEST(SpoolerCapabilities, AnswersArriveInBothFormsAndAgreeWithTheDeviceMode) {
+    ScopedPrinter printer;
+    ASSERT_NE(printer.get(), nullptr);
+    const LONG size = DocumentPropertiesW(nullptr, printer.get(), const_cast<LPWSTR>(kPrinterName),
+                                          nullptr, nullptr, 0);
+    EXPECT_EQ(static_cast<LONG>(Ask(DC_SIZE) + Ask(DC_EXTRA)), size);
+    std::vector<std::uint8_t> dev(size, 0xEE);
+    ASSERT_EQ(DocumentPropertiesW(nullptr, printer.get(), const_cast<LPWSTR>(kPrinterName),
+                                  reinterpret_cast<DEVMODEW*>(dev.data()), nullptr, DM_OUT_BUFFER),
+              IDOK);
+    EXPECT_EQ(Ask(DC_SIZE), ReadU16(dev, kOffDmSize));
+    EXPECT_EQ(ReadU32(dev, kDevModePublicSize), kDevModeSignature);
 
-TEST(SpoolerCapabilities, PapersNamesAndSizesAgree) {
     ASSERT_EQ(Ask(DC_PAPERS), 6u);
     WORD papers[6] = {};
-    ASSERT_EQ(Ask(DC_PAPERS, papers), 6u);
-    POINT sizes[6] = {};
-    ASSERT_EQ(Ask(DC_PAPERSIZE, sizes), 6u);
     wchar_t names[6][64] = {};
+    char narrow[6][64] = {};
+    wchar_t ready[64] = {};
+    ASSERT_EQ(Ask(DC_PAPERS, papers), 6u);
     ASSERT_EQ(Ask(DC_PAPERNAMES, names), 6u);
-    for (int i = 0; i < 6; ++i) EXPECT_EQ(papers[i], 257 + i);
-    EXPECT_EQ(sizes[2].x, 800);
-    EXPECT_EQ(sizes[2].y, 2970);
-    EXPECT_EQ(sizes[5].x, 857);
-    // The names come from KVORSENU.DLL in the driver's folder.
-    EXPECT_STREQ(names[0], L"Roll Paper 58 x 297 mm");
-    EXPECT_STREQ(names[2], L"Roll Paper 80 x 297 mm");
-    EXPECT_STREQ(names[5], L"Roll Paper 85.7 x 274 mm");
-
-    wchar_t ready[1][64] = {};
-    EXPECT_EQ(Ask(DC_MEDIAREADY, ready), 1u);
-    EXPECT_STREQ(ready[0], L"Roll Paper 80 x 297 mm");
-}
-
-TEST(SpoolerCapabilities, ResolutionsAndPersonalities) {
-    LONG resolutions[4] = {};
-    ASSERT_EQ(Ask(DC_ENUMRESOLUTIONS, resolutions), 2u);
-    EXPECT_EQ(resolutions[0], 150);
-    EXPECT_EQ(resolutions[3], 200);
-    wchar_t personalities[2][32] = {};
-    ASSERT_EQ(Ask(DC_PERSONALITY, personalities), 2u);
-    EXPECT_STREQ(personalities[0], L"RS-232");
-    EXPECT_STREQ(personalities[1], L"RS-485");
+    ASSERT_EQ(Ask(DC_MEDIAREADY, ready), 1u);
+    // Wine's own conformance suite asks the narrow form (it once crashed the caller).
+    ASSERT_EQ(DeviceCapabilitiesA("KX20", nullptr, DC_PAPERNAMES, &narrow[0][0], nullptr), 6);
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_GT(lstrlenW(names[i]), 0) << "names from KVORSENU.DLL";
+        EXPECT_EQ(std::wstring(names[i]), std::wstring(narrow[i], narrow[i] + strlen(narrow[i])));
+        if (papers[i] == ReadU16(dev, kOffDmPaperSize)) {
+            EXPECT_STREQ(ready, names[i]);
+        }
+    }
     wchar_t files[4] = {};
     EXPECT_EQ(Ask(DC_FILEDEPENDENCIES, files), 0xFFFFFFFFu);
 }
 
-// Wine's own conformance suite asks the narrow form; it must answer as well (it once crashed
-// the caller, the driver having no capability entry).
-TEST(SpoolerCapabilities, NarrowFormAnswers) {
-    EXPECT_EQ(DeviceCapabilitiesA("KX20", nullptr, DC_PAPERS, nullptr, nullptr), 6);
-    char names[6][64] = {};
-    EXPECT_EQ(DeviceCapabilitiesA("KX20", nullptr, DC_PAPERNAMES, &names[0][0], nullptr), 6);
-    EXPECT_STREQ(names[4], "Roll Paper 48 x 274 mm");
+TEST(SpoolerCapabilities, CallerRecordIsCompletedFromDefaults) {
+    ScopedPrinter printer;
+    ASSERT_NE(printer.get(), nullptr);
+    // A public-only record asking for landscape, with no other member marked as set.
+    std::vector<std::uint8_t> in(220, 0), out(6004, 0);
+    WriteU16(in, kOffDmSize, 220);
+    WriteU32(in, kOffDmFields, DM_ORIENTATION);
+    WriteU16(in, kOffDmOrientation, 2);
+    EXPECT_EQ(DocumentPropertiesW(nullptr, printer.get(), const_cast<LPWSTR>(kPrinterName),
+                                  reinterpret_cast<DEVMODEW*>(out.data()),
+                                  reinterpret_cast<DEVMODEW*>(in.data()),
+                                  DM_IN_BUFFER | DM_OUT_BUFFER),
+              IDOK);
+    EXPECT_EQ(ReadU16(out, kOffDmOrientation), 2);
+    EXPECT_EQ(ReadU16(out, kOffDmPaperSize), ReadU16(gsDevMode(), kOffDmPaperSize));
+    EXPECT_EQ(ReadU32(out, 220), kDevModeSignature);
+}
+
+// The conversion entry, as the spooler's upgrade and point-and-print code calls it.
+TEST(ConvertEntry, TooSmallFailsAndAnyModeCopiesTheWholeRecord) {
+    DriverModule driver;
+    using Fn = BOOL(WINAPI*)(LPWSTR, DEVMODEW*, DEVMODEW*, LONG*, DWORD);
+    auto convert = driver.Entry<Fn>("DrvConvertDevMode");
+    ASSERT_NE(convert, nullptr);
+    std::vector<std::uint8_t> out(6100, 0xEE);
+    LONG size = 6003;
+    SetLastError(0);
+    EXPECT_FALSE(convert(const_cast<LPWSTR>(kPrinterName), nullptr,
+                         reinterpret_cast<DEVMODEW*>(out.data()), &size, 1));
+    EXPECT_EQ(GetLastError(), 122u);
+    EXPECT_EQ(size, 6004);
+    for (DWORD mode : {1u, 2u, 4u, 77u}) {
+        size = 6100;
+        EXPECT_TRUE(convert(const_cast<LPWSTR>(kPrinterName), nullptr,
+                            reinterpret_cast<DEVMODEW*>(out.data()), &size, mode));
+        EXPECT_EQ(ReadU32(out, 220), kDevModeSignature);
+        EXPECT_EQ(out[6004], 0xEE);  // nothing past the record
+    }
 }
 
 }  // namespace

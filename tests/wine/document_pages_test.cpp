@@ -32,6 +32,7 @@
 #include "tests/wine/wine_environment.h"
 #include "tools/winhost/driver_install.h"
 #include "tools/winhost/sim_control.h"
+#include "tools/winhost/window_script.h"
 
 namespace kx20::winetest {
 namespace {
@@ -89,56 +90,11 @@ class DocumentSheet : public SimulatedPrinterPagesTest {
     }
     MutableByteSpan Priv() { return MutableByteSpan(ctx_.pageCopy).subspan(kDevModePublicSize); }
 
-    // Saves the sheet as it shows now, as screenshots/NAME.png in the build folder, with
-    // ImageMagick's import on the virtual display. The picture is written under a temporary
-    // name and renamed when complete; until then the sheet keeps painting.
+    // Saves the sheet's client area as it shows now as screenshots/NAME.png in the build folder
+    // (with no window manager on the display, nobody draws the caption).
     void Screenshot(const std::wstring& name) {
-        // The client area: with no window manager on the display, nobody draws the caption.
-        RECT r;
-        GetClientRect(sheet_, &r);
-        MapWindowPoints(sheet_, nullptr, reinterpret_cast<POINT*>(&r), 2);
-        RedrawWindow(sheet_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
         Pump();
-        const std::wstring folder = winhost::ProgramFolder() + L"screenshots";
-        CreateDirectoryW(folder.c_str(), nullptr);
-        const std::wstring file = folder + L"\\" + name + L".png";
-        DeleteFileW(file.c_str());
-        const std::string unixFile = UnixPath(file);
-        ASSERT_FALSE(unixFile.empty());
-        wchar_t geometry[64];
-        swprintf(geometry, 64, L"%ldx%ld+%ld+%ld", r.right - r.left, r.bottom - r.top, r.left,
-                 r.top);
-        std::wstring command = L"/bin/sh -c \"import -window root -crop " + std::wstring(geometry) +
-                               L" '" + Wide(unixFile) + L".tmp.png' && mv '" + Wide(unixFile) +
-                               L".tmp.png' '" + Wide(unixFile) + L"'\"";
-        STARTUPINFOW si = {};
-        si.cb = sizeof si;
-        PROCESS_INFORMATION pi = {};
-        ASSERT_TRUE(CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr,
-                                   nullptr, &si, &pi));
-        CloseHandle(pi.hThread);
-        CloseHandle(pi.hProcess);
-        // Waits go through the clock port; 600 rounds of 50 ms are a generous bound.
-        for (int round = 0; round < 600; ++round) {
-            if (GetFileAttributesW(file.c_str()) != INVALID_FILE_ATTRIBUTES)
-                return;
-            Pump();
-            win32_.clock.Sleep(50);
-        }
-        ADD_FAILURE() << "no screenshot " << Narrow(name);
-    }
-
-    static std::wstring Wide(const std::string& s) { return std::wstring(s.begin(), s.end()); }
-    static std::string UnixPath(const std::wstring& path) {
-        using Fn = char*(CDECL*)(LPCWSTR);
-        auto fn = reinterpret_cast<Fn>(reinterpret_cast<void*>(
-            GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
-        if (!fn)
-            return {};
-        char* unix = fn(path.c_str());
-        std::string out = unix ? unix : "";
-        HeapFree(GetProcessHeap(), 0, unix);
-        return out;
+        EXPECT_TRUE(winhost::SaveWindowScreenshot(sheet_, name)) << Narrow(name);
     }
 
     // A logo really downloaded into the simulated printer and registered, as the logos page

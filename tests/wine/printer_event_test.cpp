@@ -80,40 +80,6 @@ TEST_F(PrinterEvents, InitializeReconcilesTheCatalogueWithThePrinter) {
     EXPECT_STREQ(value, L"KVORSUSR.DLL");
 }
 
-TEST_F(PrinterEvents, PrinterAreaThatDiffersIsErased) {
-    // The printer holds a message the catalogue does not know of.
-    ASSERT_EQ(sim_.Control(L"clearlog"), 0u);
-    std::uint8_t crc[4] = {};
-    ASSERT_TRUE(channel::GetMessagesCRC(win32_.ports, true, kPrinter, crc));
-    ASSERT_TRUE(store::SetMessageCRC(win32_.ports, kPrinter, kId, 0x0BADF00D));
-    ASSERT_EQ(sim_.Control(L"erase=2"), 0u);
-    // Put something into the message area through the printer itself: a raw message job.
-    std::vector<std::uint8_t> job = {0x43, 1,    0x4D, 1,    0x44, 1,    0x53, 1, 0x74,
-                                     1,    0x61, 1,    0x72, 1,    0x74, 0x10, 1};
-    const std::vector<std::uint8_t> start(job.begin(), job.begin() + 15);
-    job.insert(job.end(), start.begin(), start.end());
-    job.insert(job.end(), {0x00, 'H', 'i'});
-    job.insert(job.end(), start.begin(), start.end());
-    job.push_back(0x11);
-    job.insert(job.end(), start.begin(), start.end());
-    job.push_back(0x00);
-    HANDLE printer = nullptr;
-    ASSERT_TRUE(OpenPrinterW(const_cast<LPWSTR>(kPrinterName), &printer, nullptr));
-    DOC_INFO_1W doc = {const_cast<LPWSTR>(L"message"), nullptr, const_cast<LPWSTR>(L"RAW")};
-    ASSERT_NE(StartDocPrinterW(printer, 1, reinterpret_cast<LPBYTE>(&doc)), 0u);
-    DWORD written = 0;
-    WritePrinter(printer, job.data(), static_cast<DWORD>(job.size()), &written);
-    EndDocPrinter(printer);
-    ClosePrinter(printer);
-    ASSERT_TRUE(Has(PrinterState(), L"message 1")) << PrinterState();
-    ASSERT_EQ(sim_.Control(L"clearlog"), 0u);
-
-    ASSERT_TRUE(Initialize());
-    const std::wstring state = PrinterState();
-    EXPECT_TRUE(Has(state, L"erased flash area 2")) << state;
-    EXPECT_FALSE(Has(state, L"message 1")) << state;
-}
-
 TEST_F(PrinterEvents, ForeignDeviceModeIsReplacedByTheDriversOwn) {
     HANDLE printer = nullptr;
     PRINTER_DEFAULTSW all = {nullptr, nullptr, PRINTER_ALL_ACCESS};
