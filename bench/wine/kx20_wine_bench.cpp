@@ -163,7 +163,6 @@ std::vector<Row> TimeEntryPoints(int calls, const std::wstring& port) {
                     "open (use)", readOpen, 1.2});
     const double namesFloor = MedianMicroseconds(calls, [&] {
         WithPrinter(PRINTER_ACCESS_USE, [&](HANDLE h) {
-            ReadPrinterInfo(h, 2);
             ReadDriverInfo(h, 3);
             if (HMODULE m = LoadLibraryW(resourceModule.c_str()))
                 FreeLibrary(m);
@@ -172,7 +171,7 @@ std::vector<Row> TimeEntryPoints(int calls, const std::wstring& port) {
     rows.push_back({"DeviceCapabilitiesW DC_PAPERNAMES", MedianMicroseconds(calls, [&] {
                         DeviceCapabilitiesW(name, portName, DC_PAPERNAMES, names.data(), nullptr);
                     }),
-                    "open + level 2 + driver 3 + module", namesFloor, 1.2});
+                    "open + driver 3 + module", namesFloor, 1.2});
 
     // One tick of an open device sheet's connection watch: the port key stamped and opened,
     // the status value read.
