@@ -2,7 +2,7 @@
 # Installs the Debian packages the builds and tests need, when they are missing, then checks
 # that every program the scripts call is on the PATH.
 set -euo pipefail
-packages=(cmake ninja-build g++ googletest libgtest-dev libbenchmark-dev libstb-dev
+packages=(cmake ninja-build g++ googletest libgtest-dev libbenchmark-dev libjpeg62-turbo-dev libpng-dev libgif-dev
           g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine wine64 xvfb xauth
           imagemagick clang)
 # The programs the scripts and build files run, with the package that brings each.

@@ -9,7 +9,7 @@
 #include "logos/logo_store.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/memory/memory_prompts.h"
-#include "platform/memory/stb_pictures.h"
+#include "platform/memory/native_pictures.h"
 #include "platform/resources.h"
 #include "sim/sim_printer.h"
 #include "store/catalogue.h"
@@ -77,7 +77,7 @@ class LogoRig : public ::testing::Test, protected MemoryPlatform {
     sim::SimulatedPrinter printer{kPort};
     ScriptedPrompts prompts;
     BuiltinStrings strings;
-    StbPictures pictures;
+    NativePictures pictures;
     PageContext context;
 };
 
