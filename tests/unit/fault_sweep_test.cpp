@@ -6,6 +6,7 @@
 // must say what happened, and the next attempt must succeed.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <set>
 
@@ -29,8 +30,10 @@ constexpr std::size_t kEdge = 4096, kStride = 61;
 // Bytes delivered before the fault, for a job of `length` bytes.
 std::vector<std::size_t> CutPoints(std::size_t length) {
     std::vector<std::size_t> cuts;
-    for (std::size_t n = 0; n < length; n += (n < kEdge || n + kEdge >= length) ? 1 : kStride)
+    for (std::size_t n = 0; n < length;) {
         cuts.push_back(n);
+        n = n < kEdge || n + kEdge >= length ? n + 1 : std::min(n + kStride, length - kEdge);
+    }
     return cuts;
 }
 
@@ -94,7 +97,8 @@ class FaultSweep : public LogoRig {
     // reconnected, the driver reconciles, and the operation runs again without a fault.
     template <class Op>
     std::size_t SweepLinkCuts(const char* what, Op op) {
-        const auto cuts = CutPoints(JobLength(op));
+        const std::size_t length = JobLength(op);
+        const auto cuts = CutPoints(length);
         for (std::size_t n : cuts) {
             printer.faults.cutJobAfter = n;
             spooler.jobStatusScript = {kJobStatusSpooling, kJobStatusError};
@@ -112,7 +116,7 @@ class FaultSweep : public LogoRig {
             if (HasFailure())
                 break;
         }
-        std::printf("fault sweep: %s: %zu cut points\n", what, cuts.size());
+        std::printf("fault sweep: %s: job of %zu bytes, %zu cut points\n", what, length, cuts.size());
         return cuts.size();
     }
 
@@ -188,7 +192,8 @@ TEST_F(FaultSweep, PowerLostAtEveryByteOfAFirmwareFlashLeavesAPrinterThatTakesTh
     const Bytes file = testfiles::FirmwareFile(0x41, 1, 3, 12000);
     files.Put(u"C:\\fw\\kx20.bin", file);
     auto flash = [&] { return firmware::OutFlashFirmware(strings, p, kPrinter, u"C:\\fw\\kx20.bin"); };
-    const auto cuts = CutPoints(JobLength(flash));
+    const std::size_t length = JobLength(flash);
+    const auto cuts = CutPoints(length);
     std::size_t bootLoaderOnly = 0;
     for (std::size_t n : cuts) {
         printer.faults.powerLossAfter = n;
@@ -215,8 +220,8 @@ TEST_F(FaultSweep, PowerLostAtEveryByteOfAFirmwareFlashLeavesAPrinterThatTakesTh
     // A loss before the header lines have arrived leaves the old firmware; after, the boot loader.
     EXPECT_GT(bootLoaderOnly, 0u);
     EXPECT_LT(bootLoaderOnly, cuts.size());
-    std::printf("fault sweep: firmware flash: %zu cut points, %zu left the boot loader only\n",
-                cuts.size(), bootLoaderOnly);
+    std::printf("fault sweep: firmware flash: job of %zu bytes, %zu cut points, %zu left the boot "
+                "loader only\n", length, cuts.size(), bootLoaderOnly);
 }
 
 }  // namespace
