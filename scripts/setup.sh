@@ -4,12 +4,13 @@
 set -euo pipefail
 packages=(cmake ninja-build g++ googletest libgtest-dev libbenchmark-dev libjpeg62-turbo-dev libpng-dev libgif-dev
           g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine wine64 xvfb xauth
-          imagemagick clang)
+          imagemagick clang util-linux)
 # The programs the scripts and build files run, with the package that brings each.
 programs=(cmake:cmake ninja:ninja-build g++:g++ clang++:clang
           x86_64-w64-mingw32-g++-posix:g++-mingw-w64-x86-64-posix
           x86_64-w64-mingw32-objdump:binutils-mingw-w64-x86-64
-          wine:wine wineboot:wine wineserver:wine64 xvfb-run:xvfb xauth:xauth import:imagemagick)
+          wine:wine wineboot:wine wineserver:wine64 xvfb-run:xvfb xauth:xauth import:imagemagick
+          setarch:util-linux)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
