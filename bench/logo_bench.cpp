@@ -6,7 +6,7 @@
 #include "logos/raster_conversion.h"
 #include "logos/raster_reference.h"
 #include "platform/memory/memory_files.h"
-#include "platform/memory/stb_pictures.h"
+#include "platform/memory/native_pictures.h"
 #include "unit/test_pictures.h"
 
 namespace {
@@ -71,7 +71,7 @@ BENCHMARK(BM_ConvertNarrowFormFloatPlane)->Unit(benchmark::kMicrosecond);
 void FileToRaster(benchmark::State& state, const Bytes& file, bool scale) {
     MemoryFileSystem files;
     files.Put(u"C:\\logo", file);
-    StbPictures pictures;
+    NativePictures pictures;
     for (auto _ : state) {
         auto raster = ConvertPictureToRaster(files, pictures, LimitsFor(true), scale, u"C:\\logo");
         if (!raster) {

@@ -40,6 +40,12 @@ if(KX20_TOOL_SOURCES)
   endforeach()
 endif()
 
+# The fuzz targets' seed corpus (tests/fuzz/seeds/), written by the project's own generators.
+add_executable(kx20_fuzz_seeds ${CMAKE_SOURCE_DIR}/tools/fuzz_seeds/make_fuzz_seeds.cpp)
+target_link_libraries(kx20_fuzz_seeds PRIVATE kx20sim kx20memory kx20core)
+target_include_directories(kx20_fuzz_seeds PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+target_compile_options(kx20_fuzz_seeds PRIVATE ${KX20_WARNINGS})
+
 if(KX20_BENCH)
   find_package(benchmark QUIET)
   file(GLOB KX20_BENCH_SOURCES CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/bench/*.cpp)

@@ -2,15 +2,16 @@
 # Installs the Debian packages the builds and tests need, when they are missing, then checks
 # that every program the scripts call is on the PATH.
 set -euo pipefail
-packages=(cmake ninja-build g++ googletest libgtest-dev libbenchmark-dev libstb-dev
+packages=(cmake ninja-build g++ googletest libgtest-dev libbenchmark-dev libjpeg62-turbo-dev libpng-dev libgif-dev
           g++-mingw-w64-x86-64-posix binutils-mingw-w64-x86-64 wine wine64 xvfb xauth
-          imagemagick clang cups-daemon cups-client python3)
+          imagemagick clang cups-daemon cups-client python3 util-linux)
 # The programs the scripts and build files run, with the package that brings each.
 programs=(cmake:cmake ninja:ninja-build g++:g++ clang++:clang
           x86_64-w64-mingw32-g++-posix:g++-mingw-w64-x86-64-posix
           x86_64-w64-mingw32-objdump:binutils-mingw-w64-x86-64
           wine:wine wineboot:wine wineserver:wine64 xvfb-run:xvfb xauth:xauth import:imagemagick
-          cupsd:cups-daemon lpadmin:cups-client lp:cups-client lpstat:cups-client python3:python3)
+          cupsd:cups-daemon lpadmin:cups-client lp:cups-client lpstat:cups-client python3:python3
+          setarch:util-linux)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Runs every test: the native unit tests, the same under ASan+UBSan, a short run of every
-# fuzz target, the Windows build's checks and its tests under Wine. Installs what is missing
-# first, and ends with one summary line over all ctest runs.
+# Runs every test: the native unit tests, the same under ASan+UBSan, the fuzz step (seeds,
+# regressions, a fixed-seed exploration), the Windows build's checks and its tests under Wine.
+# Installs what is missing first, and ends with one summary line over all ctest runs.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 "$root/scripts/setup.sh"
@@ -32,7 +32,7 @@ for flavour in native asan windows; do
   failed=$((failed + bad))
 done
 echo "== fuzz targets"
-"$root/scripts/fuzz.sh" 10 || { status=1; failed=$((failed + 1)); }
+"$root/scripts/fuzz.sh" || { status=1; failed=$((failed + 1)); }
 [ "$failed" -eq 0 ] || status=1
 echo "$passed passed, $failed failed"
 exit $status

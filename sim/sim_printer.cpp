@@ -1,6 +1,8 @@
 #include "sim/sim_printer.h"
 
+#include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "platform/format.h"
 #include "platform/text.h"
@@ -162,11 +164,91 @@ std::uint32_t SimulatedPrinter::HandleCommand(std::u16string_view port,
                                               const std::u16string* printerName, ByteSpan command,
                                               MonitorReply& reply) {
     std::uint32_t rc = sim::HandleCommand(state_, port, printerName, command, reply);
+    if (faults.nextReply != FaultPlan::Reply::Intact && !reply.data.empty()) {
+        if (faults.nextReply == FaultPlan::Reply::Garbled) {
+            for (auto& b : reply.data) b = static_cast<std::uint8_t>(~b);
+        } else {
+            reply.data.resize(reply.data.size() / 2);
+            reply.reportedLength = static_cast<std::uint32_t>(reply.data.size());
+        }
+        AddLog(state_, LogKind::Command, true,
+               faults.nextReply == FaultPlan::Reply::Garbled ? u"answer garbled on the link"
+                                                              : u"answer cut short on the link");
+        faults.nextReply = FaultPlan::Reply::Intact;
+    }
     Changed();
     return rc;
 }
 
+namespace {
+
+// Where the header lines of the job's first firmware image end (the flash starts there), or
+// nothing when the job carries no firmware block with whole header lines.
+std::optional<std::size_t> FlashStart(ByteSpan job) {
+    auto it = std::search(job.begin(), job.end(), kStart.begin(), kStart.end());
+    while (it != job.end()) {
+        const std::size_t at = static_cast<std::size_t>(it - job.begin()) + kStart.size();
+        if (at < job.size() && job[at] == 0x6B) {
+            std::size_t p = at + 1;
+            for (int line = 0; line < 3; ++line) {
+                while (p < job.size() && job[p] != '\n') ++p;
+                if (p++ >= job.size())
+                    return std::nullopt;
+            }
+            return p;
+        }
+        it = std::search(it + 1, job.end(), kStart.begin(), kStart.end());
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<JobResult> SimulatedPrinter::InterruptedJob(ByteSpan job) {
+    JobResult lost;
+    lost.accepted = false;
+    lost.error = kErrNotReady;
+    if (faults.powerLossAfter) {
+        const std::size_t n = *std::exchange(faults.powerLossAfter, std::nullopt);
+        if (n >= job.size())
+            return std::nullopt;
+        ++state_.jobs;
+        const auto flash = FlashStart(job);
+        const bool erased = flash && n >= *flash;
+        if (erased) {
+            state_.firmwareLevel = 0;
+            state_.firmwareImageSize = 0;
+            state_.firmwareImageCrc = 0;
+        }
+        lost.errorOffset = n;
+        lost.reason = erased ? u"power lost while flashing: boot loader only"
+                             : u"power lost before the flash began";
+        AddLog(state_, LogKind::Job, true,
+               Format(u"job of %u bytes: power lost after %u bytes; %s", job.size(), n,
+                      lost.reason));
+        return lost;
+    }
+    if (faults.cutJobAfter) {
+        const std::size_t n = *std::exchange(faults.cutJobAfter, std::nullopt);
+        if (n >= job.size())
+            return std::nullopt;
+        ++state_.jobs;
+        state_.connected = false;
+        state_.publication = Publication::Invalid;  // the monitor can no longer read the status
+        lost.errorOffset = n;
+        lost.reason = u"link cut: the incomplete job is dropped";
+        AddLog(state_, LogKind::Job, true,
+               Format(u"job of %u bytes: link cut after %u bytes; dropped whole", job.size(), n));
+        return lost;
+    }
+    return std::nullopt;
+}
+
 JobResult SimulatedPrinter::ReceiveJob(ByteSpan job) {
+    if (auto lost = InterruptedJob(job)) {
+        Changed();
+        return *lost;
+    }
     JobResult r = sim::ReceiveJob(state_, job);
     Changed();
     return r;

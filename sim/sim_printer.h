@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -35,6 +36,25 @@ namespace kx20::sim {
 //   publish | invalidate | remove the ConnectionStatus value: full, byte 0 = 0, deleted
 //   clearlog                      empty the log
 std::uint32_t ApplyControl(PrinterState& state, std::u16string_view command);
+
+// Faults of the link, the answers and the power, for the tests' fault sweeps. Each applies to
+// the next job or answer only and is spent by it.
+struct FaultPlan {
+    // The link drops after this many bytes of the next job (when the job is longer). The printer
+    // takes a download into its receive buffer and writes it to flash only once the job has
+    // arrived whole, so a cut job is dropped whole. The printer stays disconnected and the
+    // port's connection status marked invalid until the `connect` and `publish` controls.
+    std::optional<std::size_t> cutJobAfter;
+    // The next command's answer: every byte inverted, or cut to its first half.
+    enum class Reply : std::uint8_t { Intact, Garbled, Truncated } nextReply = Reply::Intact;
+    // The power fails after this many bytes of the next job (when the job is longer). The
+    // printer checks a firmware image's header lines when they have arrived, then erases its
+    // firmware and writes the image as it comes: power lost after that point leaves the boot
+    // loader alone when the power returns (firmware level 0, shown as "not ready"), which
+    // answers commands and takes the next firmware download. Before it, the old firmware stays.
+    // The job is lost either way; the flash areas (logos, messages, fonts) are kept.
+    std::optional<std::size_t> powerLossAfter;
+};
 
 class SimulatedPrinter {
   public:
@@ -62,8 +82,11 @@ class SimulatedPrinter {
 
     std::uint32_t Checksum(std::uint8_t area) const { return AreaChecksum(state_.flash, area); }
 
+    FaultPlan faults;
+
   private:
     void Changed();
+    std::optional<JobResult> InterruptedJob(ByteSpan job);
 
     PrinterState state_;
     Registry* registry_ = nullptr;

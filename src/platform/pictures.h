@@ -1,8 +1,9 @@
 // Pictures port: the system's picture loader. A picture file held in memory is decoded, its size
 // is reported in hundredths of a millimetre, and it is drawn, stretched to a rectangle, into an
 // RGB canvas in memory. The Win32 adapter uses OleLoadPicture and IPicture::Render into a 32-bit
-// DIB section; the native adapter decodes with stb_image and stretches with the same rule, so
-// that both builds give the same pixels for the same file.
+// DIB section; the native adapter decodes with libjpeg-turbo, libpng, giflib and its own bitmap
+// reader and stretches with the same rule, so that both builds give the same pixels for the
+// same file.
 #pragma once
 
 #include <cstdint>

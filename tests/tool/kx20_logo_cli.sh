@@ -73,6 +73,13 @@ expect 2 "unknown form" -- "$kx20" logo convert "$dir/black.bmp" --form wide -o 
 expect 2 "missing output" -- "$kx20" logo convert "$dir/black.bmp" --form full
 expect 2 "unreadable picture" -- "$kx20" logo convert "$dir/none.bmp" --form full -o "$dir/x.png"
 expect 1 "not a picture" -- "$kx20" logo convert "$dir/text.bmp" --form full -o "$dir/x.png"
+# A JPEG whose coded data ends inside a block (it once made the old decoder shift past 32 bits):
+# refused, with the decoder's reason.
+tail -c +2 "$(dirname "$0")/../fuzz/regressions/fuzz_picture_file/stb-shift-exponent-jpeg" >"$dir/cut.jpg"
+expect 1 "JPEG with cut coded data" -- "$kx20" logo convert "$dir/cut.jpg" --form full -o "$dir/cut.png"
+if ! grep -q "JPEG: Corrupt JPEG data" "$dir/err"; then
+    echo "FAIL: the cut JPEG was refused without its reason"; failures=$((failures + 1))
+fi
 expect 2 "unknown group" -- "$kx20" logos convert
 if [ -e "$dir/x.bin" ] || [ -e "$dir/x.png" ]; then
     echo "FAIL: a refused command wrote its output"; failures=$((failures + 1))

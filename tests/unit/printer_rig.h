@@ -16,7 +16,7 @@
 #include "platform/trace.h"
 #include "platform/memory/memory_platform.h"
 #include "platform/memory/memory_prompts.h"
-#include "platform/memory/stb_pictures.h"
+#include "platform/memory/native_pictures.h"
 #include "platform/resources.h"
 #include "sim/sim_printer.h"
 #include "store/catalogue.h"
@@ -116,7 +116,7 @@ class PrinterRig : public ::testing::Test, protected MemoryPlatform {
     sim::SimulatedPrinter printer{kPort};
     ScriptedPrompts prompts;
     BuiltinStrings strings;
-    StbPictures pictures;
+    NativePictures pictures;
     SheetContext ctx;
     PageContext& context = ctx;
 };

@@ -9,8 +9,9 @@
 #include "platform/trace.h"
 #include "logos/raster_reference.h"
 #include "platform/memory/memory_files.h"
-#include "platform/memory/stb_pictures.h"
+#include "platform/memory/native_pictures.h"
 #include "platform/picture_stretch.h"
+#include "sim/sim_state.h"
 #include "trace_capture.h"
 #include "unit/test_pictures.h"
 
@@ -196,7 +197,7 @@ class PictureFiles : public ::testing::Test {
 
     MemoryFileSystem files;
     ManualClock clock;
-    StbPictures pictures;
+    NativePictures pictures;
 };
 
 TEST_F(PictureFiles, ScaledPortraitLeavesTheUndrawnColumnsOfItsBitmapBlack) {
@@ -255,6 +256,85 @@ TEST_F(PictureFiles, MeasuredSizeIsThePixelSizeThroughHimetric) {
     EXPECT_EQ(MulDiv(5, 3, 0), -1);
 }
 
+// The pixels each decoder gives at the picture's own size (transparent ones stay black).
+RgbCanvas Decoded(Pictures& pictures, const Bytes& file) {
+    auto picture = pictures.Load(file);
+    if (!picture)
+        return {};
+    RgbCanvas c(MulDiv(picture->HimetricWidth(), 96, 2540),
+                MulDiv(picture->HimetricHeight(), 96, 2540));
+    picture->Render(c, 0, 0, c.width, c.height);
+    return c;
+}
+
+TEST_F(PictureFiles, EveryDecoderGivesTheFilesPixelsAndOversizedHeadersAreRefusedUnread) {
+    const RgbCanvas photo = testpics::PhotoLike(37, 23, 5);
+    EXPECT_EQ(Decoded(pictures, testpics::Bmp24(photo)).pixels, photo.pixels);
+    EXPECT_EQ(Decoded(pictures, EncodePng(photo)).pixels, photo.pixels);
+    std::vector<std::uint8_t> alpha(photo.pixels.size());
+    RgbCanvas holes = photo;
+    for (std::size_t i = 0; i < alpha.size(); ++i) {
+        alpha[i] = static_cast<std::uint8_t>(i * 37);
+        if (alpha[i] < 0x80)
+            holes.pixels[i] = 0;
+    }
+    EXPECT_EQ(Decoded(pictures, EncodePng(photo, &alpha)).pixels, holes.pixels);
+    EXPECT_EQ(Decoded(pictures, testpics::StoredPng(photo, &alpha)).pixels, holes.pixels);
+
+    // A 4-bit top-down bitmap with its colour table, and 16-bit 5-5-5 pixels widened.
+    Bytes four = testpics::BmpHeader(3, -2, 4, 8);
+    WriteU32(four, 10, 54 + 64);
+    for (std::uint8_t i = 0; i < 16; ++i) AppendBytes(four, Bytes{i, 0x40, static_cast<std::uint8_t>(i * 16), 0});
+    AppendBytes(four, Bytes{0x12, 0x30, 0, 0, 0xF0, 0x70, 0, 0});
+    const auto entry = [](std::uint32_t i) { return RgbPixel(static_cast<std::uint8_t>(i * 16), 0x40, static_cast<std::uint8_t>(i)); };
+    EXPECT_EQ(Decoded(pictures, four).pixels,
+              (std::vector<std::uint32_t>{entry(1), entry(2), entry(3), entry(15), entry(0), entry(7)}));
+    Bytes sixteen = testpics::BmpHeader(2, 1, 16, 4);
+    AppendBytes(sixteen, Bytes{0xFF, 0x7F, 0x10, 0x42});
+    EXPECT_EQ(Decoded(pictures, sixteen).pixels, (std::vector<std::uint32_t>{0xFFFFFF, 0x848484}));
+
+    // GIF: indices through the table, the transparent index left out.
+    const std::vector<std::uint8_t> indices = {0, 1, 2, 1, 0, 0, 2, 2};
+    const auto gif = Decoded(pictures, testpics::Gif(4, 2, {0x102030, 0xA0B0C0, 0xFFFFFF}, indices, 2));
+    EXPECT_EQ(gif.pixels, (std::vector<std::uint32_t>{0x102030, 0xA0B0C0, 0, 0xA0B0C0, 0x102030,
+                                                      0x102030, 0, 0}));
+
+    // JPEG: lossy, close to a smooth source.
+    const RgbCanvas smooth = testpics::Painted(48, 32, [](int x, int y) { return RgbPixel(x * 5, y * 7, 128); });
+    const RgbCanvas jpeg = Decoded(pictures, EncodeJpeg(smooth, 95));
+    ASSERT_EQ(jpeg.pixels.size(), smooth.pixels.size());
+    for (std::size_t i = 0; i < jpeg.pixels.size(); ++i)
+        for (int shift : {0, 8, 16})
+            ASSERT_LE(std::abs(int(jpeg.pixels[i] >> shift & 255) - int(smooth.pixels[i] >> shift & 255)), 12) << i;
+
+    // Headers claiming 4800 x 4000 pixels (over 16 largest logos) are refused by every decoder.
+    auto big16 = [](Bytes f, std::size_t at, bool bigEndian) {  // JPEG: height first
+        for (std::size_t k = 0; k < 2; ++k) {
+            const std::uint16_t v = (k == 1) == bigEndian ? 4800 : 4000;
+            f[at + 2 * k] = static_cast<std::uint8_t>(bigEndian ? v >> 8 : v);
+            f[at + 2 * k + 1] = static_cast<std::uint8_t>(bigEndian ? v : v >> 8);
+        }
+        return f;
+    };
+    Bytes png = EncodePng(photo);
+    std::fill(png.begin() + 16, png.begin() + 24, 0);
+    png[18] = 4800 >> 8, png[19] = 4800 & 255, png[22] = 4000 >> 8, png[23] = 4000 & 255;
+    const std::uint32_t crc = sim::Crc32(ByteSpan(png).subspan(12, 17));
+    for (int k = 0; k < 4; ++k) png[29 + k] = static_cast<std::uint8_t>(crc >> (24 - 8 * k));
+    Bytes jpegFile = EncodeJpeg(smooth, 95);
+    std::size_t sof = 2;  // the frame header: length, precision, height, width
+    while (sof + 1 < jpegFile.size() && !(jpegFile[sof] == 0xFF && jpegFile[sof + 1] == 0xC0)) ++sof;
+    Bytes bmp = testpics::Bmp24(photo);
+    WriteU32(bmp, 18, 4800);
+    WriteU32(bmp, 22, 4000);
+    for (const Bytes& file : {png, big16(jpegFile, sof + 5, true),
+                              big16(testpics::Gif(1, 1, {0}, {0}), 6, false), bmp}) {
+        EXPECT_FALSE(pictures.Load(file));
+        EXPECT_NE(pictures.LastRefusal().find(u"4800 x 4000 pixels refused"), std::u16string::npos)
+            << std::string(pictures.LastRefusal().begin(), pictures.LastRefusal().end());
+    }
+}
+
 TEST_F(PictureFiles, BadFilesFailWithATraceAndNeverReadOutside) {
     const Bytes good = EncodePng(testpics::PhotoLike(40, 30, 3));
     const Bytes bmp = testpics::Bmp24(testpics::PhotoLike(40, 30, 4));
@@ -289,10 +369,13 @@ TEST_F(PictureFiles, BadFilesFailWithATraceAndNeverReadOutside) {
     EXPECT_FALSE(ConvertPictureToRaster(files, pictures, kFull, true, u"C:\\missing"));
 
     // An empty image-data chunk adds nothing to a PNG.
-    Bytes padded(good.begin(), good.begin() + 33);  // signature and header chunk
+    const std::ptrdiff_t idat =
+        std::search(good.begin(), good.end(), std::begin("IDAT"), std::begin("IDAT") + 4) -
+        good.begin() - 4;  // the first image-data chunk's length
+    Bytes padded(good.begin(), good.begin() + idat);
     const Bytes emptyChunk = {0, 0, 0, 0, 'I', 'D', 'A', 'T', 0x35, 0xAF, 0x06, 0x1E};
     AppendBytes(padded, emptyChunk);
-    padded.insert(padded.end(), good.begin() + 33, good.end());
+    padded.insert(padded.end(), good.begin() + idat, good.end());
     const auto plain = Convert(good, kFull, true);
     const auto withEmpty = Convert(padded, kFull, true);
     ASSERT_TRUE(plain && withEmpty);

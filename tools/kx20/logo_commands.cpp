@@ -12,7 +12,7 @@
 #include "logos/logos_page.h"
 #include "logos/messages_page.h"
 #include "logos/raster_conversion.h"
-#include "platform/memory/stb_pictures.h"
+#include "platform/memory/native_pictures.h"
 #include "platform/posix/posix_files.h"
 #include "platform/text.h"
 
@@ -107,11 +107,12 @@ std::optional<Converted> ConvertFile(const std::string& path, bool fullWidth, bo
             Fail(kExitInvalid, "not a picture the driver can convert (empty or too large)", path);
         return std::nullopt;
     }
-    StbPictures pictures;
+    NativePictures pictures;
     auto opened = OpenPictureBytes(pictures, *bytes);
     if (!opened) {
-        status =
-            Fail(kExitInvalid, "not a picture the driver can convert (BMP, PNG, JPEG, GIF)", path);
+        const std::u16string& why = pictures.LastRefusal();
+        status = Fail(kExitInvalid, "not a picture the driver can convert (BMP, PNG, JPEG, GIF)",
+                      path + ": " + Utf16ToUtf8(why.empty() ? u"damaged" : why));
         return std::nullopt;
     }
     auto raster = logos::ConvertOpenedPicture(*opened, logos::LimitsFor(fullWidth), scale);
