@@ -10,7 +10,7 @@
 #include <cstdio>
 #include <set>
 
-#include "entry/page_status.h"
+#include "pages/page_status.h"
 #include "firmware/firmware_file.h"
 #include "firmware/maintenance_page.h"
 #include "fonts/font_download.h"
@@ -205,14 +205,14 @@ TEST_F(FaultSweep, PowerLostAtEveryByteOfAFirmwareFlashLeavesAPrinterThatTakesTh
         // The maintenance page says so and flashes again.
         firmware::MaintenancePageModel page(context, kPage);
         page.Open();
-        EXPECT_EQ(page.Text(firmware::kIdStatus), Connected(erased)) << n;
-        ASSERT_TRUE(page.Enabled(firmware::kIdUpdate)) << n;
+        EXPECT_EQ(page.Text(IDC_PRINTER_STATUS), Connected(erased)) << n;
+        ASSERT_TRUE(page.Enabled(IDC_FIRMWARE_UPDATE)) << n;
         page.SetFilePath(u"C:\\fw\\kx20.bin");
         prompts.answers = {box::kIdYes, box::kIdOk};
         page.Update();
         EXPECT_EQ(printer.state().firmwareLevel, 0x41) << n;
         page.Open();
-        EXPECT_EQ(page.Text(firmware::kIdStatus), Connected()) << n;
+        EXPECT_EQ(page.Text(IDC_PRINTER_STATUS), Connected()) << n;
         CheckTruthAndKeep("firmware, power lost after byte ", n);
         if (HasFailure())
             break;
