@@ -61,7 +61,8 @@ class DeviceSheet : public SimulatedPrinterPagesTest {
   protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(SetUpPrinterAndContext());
-        picturePath_ = TempFile(L"kx20_page_logo.bmp", testpics::Bmp24(testpics::PhotoLike(96, 40, 1)));
+        picturePath_ =
+            TempFile(L"kx20_page_logo.bmp", testpics::Bmp24(testpics::PhotoLike(96, 40, 1)));
     }
     void TearDown() override {
         SimulatedPrinterPagesTest::TearDown();
@@ -231,7 +232,8 @@ TEST_F(DeviceSheet, MessageStoredAndDeletedAndTheTimerWaitsForTheQuestion) {
         [this] { return winhost::FindThreadDialog(String(2220)); }, {[&](HWND box) {
             EXPECT_EQ(sim_.Control(L"disconnect"), 0u);
             SendMessageW(Page(kLogosPage), WM_TIMER, kConnectionTimer, 0);
-            enabledDuringBox = Enabled(page, IDC_MESSAGE_LIST) && Rows(page, IDC_MESSAGE_LIST) == 25;
+            enabledDuringBox =
+                Enabled(page, IDC_MESSAGE_LIST) && Rows(page, IDC_MESSAGE_LIST) == 25;
             PostMessageW(box, WM_COMMAND, IDNO, 0);
             return true;
         }});
@@ -281,8 +283,10 @@ TEST_F(DeviceSheet, PictureTooBigForTheLogoMemoryIsRefusedWhileTheFileDialogStay
 TEST_F(DeviceSheet, FontsMaintenanceAndLogPagesWorkThroughTheirControls) {
     ASSERT_TRUE(store::SetLogSettings(win32_.ports, kPrinter, 0x11));
     ASSERT_TRUE(store::SetLogWrapSize(win32_.ports, kPrinter, 5120));
-    const std::wstring wrong = TempFile(L"kx20-model4.bin", testfiles::FirmwareFile(0x5A, 1, 1, 256));
-    const std::wstring right = TempFile(L"kx20-newer.bin", testfiles::FirmwareFile(0x41, 1, 3, 256));
+    const std::wstring wrong =
+        TempFile(L"kx20-model4.bin", testfiles::FirmwareFile(0x5A, 1, 1, 256));
+    const std::wstring right =
+        TempFile(L"kx20-newer.bin", testfiles::FirmwareFile(0x41, 1, 3, 256));
     Open();
 
     // Fonts (model 9): the double-byte switch takes both load buttons with it.
