@@ -21,6 +21,7 @@
 #include "platform/win32/win32_resources.h"
 #include "tests/wine/wine_environment.h"
 #include "tools/winhost/sim_control.h"
+#include "tools/winhost/window_script.h"
 
 namespace kx20::winetest {
 
@@ -77,6 +78,13 @@ class ModelessSheetTest : public ::testing::Test {
         wchar_t buf[300] = {};
         GetDlgItemTextW(page, control, buf, 300);
         return buf;
+    }
+    // The sheet's client area as it shows now, as screenshots/NAME.png in the build folder.
+    // Painted and pumped first: the display gets the window's surface when the queue idles.
+    void Screenshot(const std::wstring& name) {
+        RedrawWindow(sheet_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        Pump();
+        EXPECT_TRUE(winhost::SaveWindowScreenshot(sheet_, name)) << Narrow(name);
     }
     // Destroys the sheet and handles what its pages left in the queue.
     void CloseSheet() {

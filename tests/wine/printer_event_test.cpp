@@ -38,10 +38,6 @@ class PrinterEvents : public ::testing::Test {
     BOOL Initialize() {
         return event_(const_cast<LPWSTR>(kPrinterName), printerevent::kInitialize, 0, 0);
     }
-    std::wstring PrinterState() { return sim_.Describe(); }
-    static bool Has(const std::wstring& text, const wchar_t* part) {
-        return text.find(part) != std::wstring::npos;
-    }
 
     DriverModule driver_;
     PrinterEventFn event_ = driver_.Entry<PrinterEventFn>("DrvPrinterEvent");
@@ -60,11 +56,11 @@ TEST_F(PrinterEvents, InitializeReconcilesTheCatalogueWithThePrinter) {
 
     ASSERT_TRUE(Initialize());
 
-    const std::wstring state = PrinterState();
-    EXPECT_TRUE(Has(state, L"checksum of area 1")) << state;
-    EXPECT_TRUE(Has(state, L"checksum of area 2")) << state;
-    EXPECT_TRUE(Has(state, L"checksum of area 4")) << state;
-    EXPECT_FALSE(Has(state, L"erased")) << "the printer's areas are empty: " << state;
+    // The checksum queries reached the printer through kvorsmon.dll; which areas and what the
+    // answers change are the unit suite's (printer_event_test).
+    const std::wstring state = sim_.Describe();
+    EXPECT_NE(state.find(L"checksum of area 1"), std::wstring::npos);
+    EXPECT_EQ(state.find(L"erased"), std::wstring::npos) << "the printer's areas are empty";
     EXPECT_TRUE(store::ReadLogoRecords(win32_.ports, kPrinter, kId).empty());
     EXPECT_TRUE(store::ReadMessageRecords(win32_.ports, kPrinter, kId).empty());
 
@@ -76,7 +72,6 @@ TEST_F(PrinterEvents, InitializeReconcilesTheCatalogueWithThePrinter) {
                               reinterpret_cast<LPBYTE>(value), sizeof value, &needed),
               ERROR_SUCCESS);
     EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
-    EXPECT_EQ(needed, 26u);
     EXPECT_STREQ(value, L"KVORSUSR.DLL");
 }
 

@@ -6,26 +6,16 @@ namespace kx20::winetest {
 
 const std::vector<ExpectedPage>& DevicePages() {
     static const std::vector<ExpectedPage> pages = {
-        {1007, L"Logos", {1150, 1151, 1152, 1153, 1213}},
-        {1008, L"Messages", {1160, 1161, 1162, 1163, 1213}},
-        {1009,
-         L"Fonts",
-         {1170, 1171, 1172, 1173, 1174, 1175, 1176, 1177, 1178, 1179, 1180, 1181, 1182, 1183,
-          1213}},
-        {1010, L"Maintenance", {1049, 1190, 1191, 1192, 1193, 1194, 1195, 1196, 1213}},
-        {1011,
-         L"Log Settings",
-         {1200, 1201, 1202, 1203, 1204, 1205, 1206, 1207, 1208, 1209, 1210, 1211, 1212, 1213}},
+        {1007, L"Logos"}, {1008, L"Messages"}, {1009, L"Fonts"},
+        {1010, L"Maintenance"}, {1011, L"Log Settings"},
     };
     return pages;
 }
 
 const std::vector<ExpectedPage>& DocumentPages() {
     static const std::vector<ExpectedPage> pages = {
-        {1003, L"Device Settings", {}},
-        {1004, L"Options", {}},
-        {1005, L"Receipt Station", {}},
-        {1006, L"Document Station", {}},
+        {1003, L"Device Settings"}, {1004, L"Options"},
+        {1005, L"Receipt Station"}, {1006, L"Document Station"},
     };
     return pages;
 }
@@ -49,11 +39,7 @@ std::vector<ModalDriver::Step> WalkSheet(const std::vector<ExpectedPage>& pages,
             const ExpectedPage& expected = pages[i];
             HWND page = reinterpret_cast<HWND>(SendMessageW(sheet, PSM_GETCURRENTPAGEHWND, 0, 0));
             if (!page)
-                walk.missing.push_back(std::wstring(expected.title) + L": the page itself");
-            for (int id : expected.controls)
-                if (!page || !GetDlgItem(page, id))
-                    walk.missing.push_back(std::wstring(expected.title) + L": " +
-                                           std::to_wstring(id));
+                walk.missing.push_back(expected.title);
             std::wstring name = prefix + L"-" + std::to_wstring(i + 1) + L"-" + expected.title;
             for (auto& c : name)
                 if (c == L' ')

@@ -1,5 +1,5 @@
-// What the Wine tests expect of the sheets' pages: the ids and titles in order, and the
-// controls each page's template carries.
+// What the Wine tests expect of the sheets' pages: the ids and titles in order. (The controls
+// each page uses are reached by the page tests, device_pages_test and document_pages_test.)
 #pragma once
 
 #include "platform/win32/windows_clean.h"
@@ -20,7 +20,6 @@ using winhost::SheetTabTitles;
 struct ExpectedPage {
     UINT id;
     const wchar_t* title;
-    std::vector<int> controls;
 };
 
 const std::vector<ExpectedPage>& DevicePages();
@@ -29,12 +28,12 @@ const std::vector<ExpectedPage>& DocumentPages();
 // What a walk through a shown sheet found.
 struct SheetWalk {
     std::vector<std::wstring> titles;
-    std::vector<std::wstring> missing;      // "page: control" for every control not found
+    std::vector<std::wstring> missing;      // the titles of the pages that did not show
     std::vector<std::wstring> screenshots;  // the names of the screenshots that were saved
     bool closed = false;
 };
 
-// The steps that visit every page of a shown sheet in turn, check its controls, save a
+// The steps that visit every page of a shown sheet in turn, check that it shows, save a
 // screenshot of each (named `prefix`-N-title) and close the sheet with its Cancel button.
 std::vector<ModalDriver::Step> WalkSheet(const std::vector<ExpectedPage>& pages,
                                          const std::wstring& prefix, SheetWalk& walk);
