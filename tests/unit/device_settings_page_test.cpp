@@ -103,7 +103,6 @@ TEST_F(DeviceSettingsPage, NarrowerPaperOffersToEraseEachStoredKind) {
     prompts.answers = {box::kIdYes, box::kIdNo, box::kIdYes};
     ApplyPaper(k58x297, 77);
     EXPECT_EQ(BoxTextsShown(), (std::vector{Text(3012), Text(3013), Text(3014)}));
-    EXPECT_EQ(prompts.boxes[0].title, Text(2220));
     EXPECT_EQ(prompts.boxes[0].owner, 77u);
     EXPECT_EQ(prompts.boxes[0].style, box::kYesNo | box::kIconQuestion);
 

@@ -127,7 +127,6 @@ TEST_F(FontsPage, DoubleByteControlsFollowTheModel) {
         EXPECT_EQ(model.DbcsChecked(), c.checked);
         EXPECT_EQ(Enablement(), c.enabled);
     }
-    EXPECT_EQ(model.Text(IDC_PRINTER_STATUS), u"Printer: " + Str(2214));
 }
 
 TEST_F(FontsPage, TheDoubleByteSwitch) {

@@ -52,7 +52,6 @@ TEST_F(LogosPage, AddedPictureReachesPrinterCatalogueAndList) {
     EXPECT_EQ(page->StatusText(), u"Printer: KX20 II Receipt/Slip DBCS");
     ASSERT_EQ(page->Slots().size(), 40u);
     EXPECT_EQ(page->Slots()[4].name, u"Logo 5");
-    EXPECT_EQ(page->Slots()[4].state, u"(empty)");
 
     const Bytes file = Picture(100, 24);
     ASSERT_TRUE(Add(*page, 4, file, 1));  // full width, not scaled
