@@ -15,7 +15,7 @@
 #include "firmware/maintenance_page.h"
 #include "fonts/font_download.h"
 #include "font_file_generators.h"
-#include "logo_rig.h"
+#include "printer_rig.h"
 #include "test_pictures.h"
 
 namespace kx20 {
@@ -37,12 +37,12 @@ std::vector<std::size_t> CutPoints(std::size_t length) {
     return cuts;
 }
 
-class FaultSweep : public LogoRig {
+class FaultSweep : public PrinterRig {
   protected:
     static constexpr WindowId kPage = 0x1234;
 
     void SetUp() override {
-        LogoRig::SetUp();
+        PrinterRig::SetUp();
         SetTraceTarget(nullptr, nullptr);  // thousands of flows: no trace
         // What was stored before the swept operations: two logos and two messages.
         for (std::uint8_t n : {1, 2}) {

@@ -17,50 +17,43 @@ class StationPage : public DocumentPageTest {
     std::uint32_t BlockU32(std::size_t block, std::size_t offset) {
         return ReadU32(Priv(), block + offset);
     }
+    std::u16string BlockFont(std::size_t block) {
+        return ReadUtf16Field(Priv(), block + kStationFontName, 256);
+    }
 };
 
-TEST_F(StationPage, ListsShowTheAttachedPrintersLogosAndMessagesByNumber) {
-    AddLogo(3);
-    AddLogo(1);
-    AddLogo(2, u"BBBBBBBB");
-    AddMessage(2, u"Thank you\r\nfor shopping");
-    StationPageModel page(ctx, Station::First);
-    page.Init();
-    const std::vector<std::u16string> logos = {u"(None)", u"Logo 1", u"Logo 3"};
-    EXPECT_EQ(Texts(page, StationList::HeaderLogo), logos);
-    EXPECT_EQ(Texts(page, StationList::FooterLogo), logos);
-    EXPECT_EQ(Texts(page, StationList::TopMessage),
-              (std::vector<std::u16string>{u"(None)", u"Message 2: Thank you"}));
-    EXPECT_EQ(page.Selection(StationList::HeaderLogo), 0);
-    EXPECT_EQ(page.StatusText(), Text(3032).replace(Text(3032).find(u"%s"), 2, kId));
-}
-
-TEST_F(StationPage, ChoicesGoToTheirOwnStationBlockAndComeBackByNumber) {
-    AddLogo(3);
+TEST_F(StationPage, ListsOfTheAttachedPrinterAndChoicesKeptByNumberInTheOwnStationBlock) {
     AddLogo(5);
-    AddMessage(7, u"Welcome");
+    AddLogo(3);
+    AddLogo(2, u"BBBBBBBB");  // another printer's
+    AddMessage(7, u"Welcome\r\nback");
     AddMessage(9, u"Goodbye");
     StationPageModel page(ctx, Station::Second);
     page.Init();
+    EXPECT_EQ(Texts(page, StationList::FooterLogo),
+              (std::vector<std::u16string>{u"(None)", u"Logo 3", u"Logo 5"}));
+    EXPECT_EQ(Texts(page, StationList::TopMessage),
+              (std::vector<std::u16string>{u"(None)", u"Message 7: Welcome", u"Message 9: Goodbye"}));
+    EXPECT_EQ(page.Selection(StationList::HeaderLogo), 0);
+    EXPECT_NE(page.StatusText().find(kId), std::u16string::npos);
     page.Select(StationList::HeaderLogo, 2);     // Logo 5
     page.Select(StationList::FooterLogo, 1);     // Logo 3
     page.Select(StationList::TopMessage, 1);     // Message 7
     page.Select(StationList::BottomMessage, 2);  // Message 9
     page.Select(StationList::BottomMessage, 9);  // ignored
-    ASSERT_EQ(page.ChosenLogo(StationList::HeaderLogo)->number, 5u);
+    ASSERT_NE(page.ChosenLogo(StationList::HeaderLogo), nullptr);
     EXPECT_EQ(page.ChosenLogo(StationList::HeaderLogo)->picture, Bytes(100, 5));
     EXPECT_EQ(page.ChosenMessageText(StationList::BottomMessage), u"Goodbye");
     page.Apply();
 
-    const std::size_t second = kPrivSecondStation;
-    EXPECT_EQ(BlockU32(second, kStationHeaderLogo), 5u);
-    EXPECT_EQ(BlockU32(second, kStationFooterLogo), 3u);
-    EXPECT_EQ(BlockU32(second, kStationTopMessage), 7u);
-    EXPECT_EQ(BlockU32(second, kStationBottomMessage), 9u);
-    EXPECT_EQ(BlockU32(second, kStationListSelections), 2u);
-    EXPECT_EQ(BlockU32(second, kStationListSelections + 12), 2u);
-    EXPECT_EQ(BlockU32(second, kStationListSelections + 16), 0u) << "Font A is the first font";
-    EXPECT_EQ(BlockU32(second, kStationChoice2584), 2u) << "the other choices are carried";
+    std::vector<std::uint32_t> block;
+    for (std::size_t at : {kStationHeaderLogo, kStationFooterLogo, kStationTopMessage,
+                           kStationBottomMessage, kStationListSelections,
+                           kStationListSelections + 12, kStationListSelections + 16,
+                           kStationChoice2584})
+        block.push_back(BlockU32(kPrivSecondStation, at));
+    // Numbers, then list positions (Font A first), and the other choices carried.
+    EXPECT_EQ(block, (std::vector<std::uint32_t>{5, 3, 7, 9, 2, 2, 0, 2}));
     // The first station's block is untouched.
     EXPECT_TRUE(std::equal(ctx.pageCopy.begin() + kDevModePublicSize + kPrivFirstStation,
                            ctx.pageCopy.begin() + kDevModePublicSize + kPrivSecondStation,
@@ -71,9 +64,8 @@ TEST_F(StationPage, ChoicesGoToTheirOwnStationBlockAndComeBackByNumber) {
     AddLogo(1);
     StationPageModel again(ctx, Station::Second);
     again.Init();
-    EXPECT_EQ(again.Selection(StationList::HeaderLogo), 3);
-    EXPECT_EQ(again.Entries(StationList::HeaderLogo)[3].text, u"Logo 5");
-    EXPECT_EQ(again.Selection(StationList::BottomMessage), 2);
+    EXPECT_EQ(again.Entries(StationList::HeaderLogo)[again.Selection(StationList::HeaderLogo)].text,
+              u"Logo 5");
 }
 
 TEST_F(StationPage, ChoiceThePrinterNoLongerHoldsIsKeptUntilChanged) {
@@ -96,13 +88,12 @@ TEST_F(StationPage, ChoiceThePrinterNoLongerHoldsIsKeptUntilChanged) {
 
     page.Apply();
     EXPECT_EQ(BlockU32(kPrivFirstStation, kStationFooterLogo), 12u);
-    EXPECT_EQ(ReadUtf16Field(Priv(), kPrivFirstStation + kStationFontName, 256), u"Gothic Thermal");
-
+    EXPECT_EQ(BlockFont(kPrivFirstStation), u"Gothic Thermal");
     page.Select(StationList::FooterLogo, 0);
     page.Select(StationList::Font, 1);
     page.Apply();
     EXPECT_EQ(BlockU32(kPrivFirstStation, kStationFooterLogo), 0u);
-    EXPECT_EQ(ReadUtf16Field(Priv(), kPrivFirstStation + kStationFontName, 256), u"Font B");
+    EXPECT_EQ(BlockFont(kPrivFirstStation), u"Font B");
 }
 
 TEST_F(StationPage, EachStationOffersTheFontsOfItsHead) {
@@ -120,7 +111,7 @@ TEST_F(StationPage, EachStationOffersTheFontsOfItsHead) {
               (std::vector<std::u16string>{u"Font A", u"Font B", u"Mincho Impact"}));
     document.Select(StationList::Font, 2);
     document.Apply();
-    EXPECT_EQ(ReadUtf16Field(Priv(), kPrivSecondStation + kStationFontName, 256), u"Mincho Impact");
+    EXPECT_EQ(BlockFont(kPrivSecondStation), u"Mincho Impact");
 }
 
 TEST_F(StationPage, ReloadFollowsTheCatalogueAndKeepsTheChoices) {
