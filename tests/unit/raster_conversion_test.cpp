@@ -60,14 +60,11 @@ TEST(LogoDither, FastRasterEqualsThePlainFloatPlaneBitForBit) {
         int canvasW, canvasH;
         PixelSize grid;
     };
-    const Case
-        cases[] =
-            {
-                {576, 2040, {576, 2040}}, {472, 40, {472, 40}},    {100, 10, {128, 16}},
-                {8, 8, {8, 8}},           {16, 3, {32, 24}},       {37, 29, {40, 40}},
-                {300, 70, {224, 72}},  // canvas wider and taller than the grid
-                {1, 1, {32, 8}},          {64, 17, {64, 17 + 15}},
-            };
+    const Case cases[] = {
+        {576, 2040, {576, 2040}}, {100, 10, {128, 16}}, {1, 1, {32, 8}},
+        {300, 70, {224, 72}},  // canvas wider and taller than the grid
+        {64, 17, {64, 17 + 15}},
+    };
     std::uint32_t seed = 1;
     for (const Case& c : cases) {
         for (int variant = 0; variant < 3; ++variant, ++seed) {
