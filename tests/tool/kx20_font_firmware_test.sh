@@ -27,7 +27,7 @@ headered() {  # $1: dot size; two lead bytes x two second bytes
   printf 'KVOPosDBCSFont  '; zeros 6; le16 65535; le32 "$1"; le32 24
   printf '\x81\x9f\xe0\xfc\x00\x00\x00\x00'; zeros 8
   printf '\x88\x89\x00\x00\x00\x00\x00\x00\x40\x41\x00\x00\x00\x00\x00\x00'
-  for i in 1 2 3 4; do head -c 96 /dev/urandom; done
+  zeros 384 | tr '\0' '\125'  # four glyphs, every other dot
 }
 
 tagged 24 >prc.fon
@@ -48,7 +48,6 @@ expect() {
 }
 
 expect 0 "double-byte characters: 3 (thermal 3, impact 3)" font inspect prc.fon
-expect 0 "code page: 936" font inspect prc.fon
 expect 1 "Invalid THERMAL_WIDTH value - 25!" font inspect wide.fon
 expect 0 "station: thermal, characters: 4" font inspect jpn24.fnt
 expect 1 "no region mark" font inspect plain24.fnt
@@ -59,7 +58,6 @@ expect 1 "dot size 24 does not fit the impact station" font payload jpn24.fnt --
 expect 0 "job.bin: 479 bytes" font payload jpn24.fnt --station thermal -o job.bin
 # Pre-settings 152, a group per station (18 + 3 x 74, 18 + 3 x 34), post-settings 93.
 expect 0 "tagged.bin: 605 bytes" font payload prc.fon --station thermal -o tagged.bin
-expect 2 "-o JOB.bin is needed" font payload prc.fon --station thermal
 expect 0 "the file holds the newer level 5A." firmware check fw.bin --model 4 --level 0x50
 expect 1 "does not fit model code 2" firmware check fw.bin --model 2
 expect 2 "--model N is needed" firmware check fw.bin

@@ -47,7 +47,6 @@ expect 0 "convert full" -- "$kx20" logo convert "$dir/black.bmp" --form full -o 
 if [ "$(head -c 4 "$dir/full.png" | od -An -tx1 | tr -d ' ')" != "89504e47" ]; then
     echo "FAIL: convert did not write a PNG"; failures=$((failures + 1))
 fi
-expect 0 "convert narrow" -- "$kx20" logo convert "$dir/black.bmp" --form narrow --no-scale -o "$dir/narrow.png"
 
 # 100 x 10 without scaling: a grid of 128 x 16, 256 raster bytes and 20 of framing.
 expect 0 "payload full" -- "$kx20" logo payload "$dir/black.bmp" --number 40 --form full --no-scale -o "$dir/full.bin"
@@ -62,12 +61,8 @@ size_is "$dir/narrow.bin" 276 "narrow payload (never enlarged: 128 x 16)"
 
 expect 0 "message" -- "$kx20" message payload 25 "Hi" -o "$dir/msg.bin"
 size_is "$dir/msg.bin" 67 "message payload"
-expect 0 "message with line feed" -- "$kx20" message payload 1 $'a\nb' -o "$dir/msg2.bin"
-size_is "$dir/msg2.bin" 67 "message payload without its line feed"
 
 expect 2 "logo number 41" -- "$kx20" logo payload "$dir/black.bmp" --number 41 --form full -o "$dir/x.bin"
-expect 2 "logo number missing" -- "$kx20" logo payload "$dir/black.bmp" --form full -o "$dir/x.bin"
-expect 2 "message number 26" -- "$kx20" message payload 26 "x" -o "$dir/x.bin"
 expect 2 "message number 0" -- "$kx20" message payload 0 "x" -o "$dir/x.bin"
 expect 2 "unknown form" -- "$kx20" logo convert "$dir/black.bmp" --form wide -o "$dir/x.png"
 expect 2 "missing output" -- "$kx20" logo convert "$dir/black.bmp" --form full

@@ -161,18 +161,6 @@ TEST_F(CatalogueTest, SingleByteFontSlotsFollowThePositionRule) {
     EXPECT_EQ(name, u"kept");
 }
 
-TEST_F(CatalogueTest, DoubleByteFontNamePerStation) {
-    std::u16string name = u"kept";
-    EXPECT_FALSE(GetDBCSFontName(p, u"KX20", true, name));
-    EXPECT_EQ(name, u"kept");
-    RegisterDBCSFont(p, false, FontRecord(0, u"Gothic", 60), kA, u"KX20");
-    RegisterDBCSFont(p, true, FontRecord(0, u"Mincho", 60), kA, u"KX20");
-    ASSERT_TRUE(GetDBCSFontName(p, u"KX20", true, name));
-    EXPECT_EQ(name, u"Mincho");
-    ASSERT_TRUE(GetDBCSFontName(p, u"KX20", false, name));
-    EXPECT_EQ(name, u"Gothic");
-}
-
 TEST_F(CatalogueTest, MalformedRecordsCountAsNothing) {
     LogoRecord logo;
     Bytes record = BuildLogoRecord(1, 0, 1, Bytes{5, 6}, kA);

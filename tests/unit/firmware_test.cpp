@@ -4,7 +4,6 @@
 
 #include "device_page_fixture.h"
 #include "font_file_generators.h"
-#include "sim_test_blocks.h"
 
 namespace kx20::firmware {
 namespace {
@@ -59,14 +58,6 @@ TEST(FirmwareHeader, LinesAreReadAtTheirPlacesWithTheScanRules) {
     EXPECT_EQ(v, 0u);
     EXPECT_FALSE(ScanWordAndHex("DevType", v));
     EXPECT_FALSE(ScanWordAndHex("   ", v));
-}
-
-TEST(FirmwareFlashBlock, TheFileGoesUnchangedBetweenTwoMarkers) {
-    const Bytes file = FirmwareFile(0x41, 1, 3, 1000 - 36);
-    ASSERT_EQ(file.size(), 1000u);
-    const Bytes block = BuildFirmwareBlock(file);
-    EXPECT_EQ(block, simtest::Cat({simtest::Cmd({0x6B}), file, simtest::Marker()}));
-    EXPECT_EQ(block.size(), 1031u);
 }
 
 class Firmware : public DevicePageTest {};

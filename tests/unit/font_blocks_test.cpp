@@ -44,9 +44,6 @@ TEST(FontBlocks, PreAndPostSettingsByteForByte) {
     post = *PostFONDownloadAdminSettings(meta, true);
     EXPECT_EQ(post, Cat({Setting(0x50, 0xA8, 0x03), Setting(0x54, 0, 8), Setting(0x55, 0, 32),
                          Cmd({0x7A, 0x60, 0xEA, 0, 0}), Cmd({0x00})}));
-    meta.codePage = 932;
-    post = *PostFONDownloadAdminSettings(meta, false);
-    EXPECT_EQ(ReadU32(post, 57 + 16), 45000u);
 }
 
 TEST(FontBlocks, DoubleByteGroupsHoldAtMost255Characters) {

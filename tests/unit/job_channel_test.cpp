@@ -30,7 +30,6 @@ TEST_F(JobChannel, PrintedJobCarriesTheWholeBlockAsOneRawPage) {
 
     EXPECT_EQ(JobDocumentName(strings, 2, 12), u"KX20 Message 12");
     EXPECT_EQ(JobDocumentName(strings, 3, 12), u"KX20 Single-Byte Font");
-    EXPECT_EQ(JobDocumentName(strings, 4, 0), u"KX20 Double-Byte Font");
     EXPECT_EQ(JobDocumentName(strings, 5, 1), u"");
 }
 

@@ -128,7 +128,6 @@ TEST_F(PrinterQueries, StatusByteSetupAndFlashProtection) {
     EXPECT_EQ(Command(1), (Bytes{0x17, 0x10}));
     EXPECT_EQ(status, 0x5A);
     EXPECT_EQ(Bytes(setup, setup + 2), (Bytes{0x5A, 0x81}));
-    EXPECT_TRUE(Traced("<- OutGetPrinterSetup returns 1\r\n"));
     EXPECT_FALSE(IsFlashWritable(p, kPrinter));  // 0x80 set
     AnswerWith({0x00, 0x40});
     EXPECT_FALSE(IsFlashWritable(p, kPrinter));
@@ -138,7 +137,6 @@ TEST_F(PrinterQueries, StatusByteSetupAndFlashProtection) {
     AnswerWith({0x5A});  // one byte is a status byte but no setup
     EXPECT_TRUE(GetStatusByte(p, kPrinter, status));
     EXPECT_FALSE(OutGetPrinterSetup(p, kPrinter, setup));
-    EXPECT_TRUE(Traced("<- OutGetPrinterSetup returns 0\r\n"));
     EXPECT_TRUE(IsFlashWritable(p, kPrinter));  // an unreadable setup does not block
     AnswerWith({});
     EXPECT_FALSE(GetStatusByte(p, kPrinter, status));
@@ -198,8 +196,6 @@ TEST_F(PrinterQueries, EraseSequencesAndMaintenancePassThePrinterName) {
     EXPECT_EQ(monitor.calls.size(), 5u);
     EXPECT_EQ(Command(2), (Bytes{0x15, 6}));
     EXPECT_EQ(Command(4), (Bytes{0x15, 4}));
-    EXPECT_TRUE(Traced("-> OutEraseAllFontSectors\r\n"));
-    EXPECT_TRUE(Traced("<- OutEraseAllFontSectors\r\n"));
 
     FailCommand(0x15, 2);  // the sequence goes on after a failure
     monitor.calls.clear();
@@ -224,19 +220,17 @@ TEST_F(PrinterQueries, ResetCommandsAlwaysWaitFiveSeconds) {
     EXPECT_EQ(Command(1), (Bytes{0x79, 0x88, 0x13, 0x00, 0x00}));
     EXPECT_EQ(Command(2), (Bytes{0x78, 0x04, 0x03, 0x02, 0x01}));
     EXPECT_FALSE(monitor.calls[0].hasPrinterName);
-    EXPECT_TRUE(Traced("-> ResetKX20Printer(Serial,Buffered Reset)\r\n"));
-    EXPECT_TRUE(Traced("-> ResetKX20Printer(USB,Immediate Reset)\r\n"));
     EXPECT_FALSE(Traced("Failed"));
 
     FailCommand(0x78);
     ResetKX20Printer(p, false, false, kPrinter, 1);
-    EXPECT_TRUE(Traced("ResetKX20Printer - BIDISendCmdToPrinter Failed/n"));
+    EXPECT_TRUE(Traced("BIDISendCmdToPrinter Failed"));
     monitor.loadResult = MonitorLoad::EntryMissing;
     ResetKX20Printer(p, false, false, kPrinter, 1);
-    EXPECT_TRUE(Traced("ResetKX20Printer - GetProcAddress Failed./n"));
+    EXPECT_TRUE(Traced("GetProcAddress Failed"));
     monitor.loadResult = MonitorLoad::LibraryMissing;
     ResetKX20Printer(p, false, false, kPrinter, 1);
-    EXPECT_TRUE(Traced("ResetKX20Printer - LoadLibrary Failed\r\n"));
+    EXPECT_TRUE(Traced("LoadLibrary Failed"));
     EXPECT_EQ(clock.sleeps, Sleeps(6, 5000));
 }
 
@@ -246,19 +240,17 @@ TEST_F(PrinterQueries, MctValueIsSwappedIntoHostOrder) {
     EXPECT_TRUE(GetMctValueFromPrinter(p, kPrinter, 0xA6, out));
     EXPECT_EQ(Command(0), (Bytes{0x17, 0xA6}));
     EXPECT_EQ(Bytes(out, out + 2), (Bytes{0x34, 0x12}));
-    EXPECT_TRUE(Traced("-> GetMctValueFromPrinter(0xa6)\r\n"));
-    EXPECT_TRUE(Traced("<- GetMCTValueFromPrinter(166) - 0x1234\r\n"));
 
     AnswerWith({0x77});  // too short to hold the value
     EXPECT_FALSE(GetMctValueFromPrinter(p, kPrinter, 0xA0, out));
     EXPECT_EQ(Bytes(out, out + 2), (Bytes{0x34, 0x12}));
     FailCommand(0x17);
     EXPECT_FALSE(GetMctValueFromPrinter(p, kPrinter, 0xA0, out));
-    EXPECT_TRUE(Traced("GetMCTValueFromPrinter - BIDISendCmdToPrinter Failed/n"));
+    EXPECT_TRUE(Traced("BIDISendCmdToPrinter Failed"));
     monitor.loadResult = MonitorLoad::LibraryMissing;
     monitor.loadError = 126;
     EXPECT_FALSE(GetMctValueFromPrinter(p, kPrinter, 0xA0, out));
-    EXPECT_TRUE(Traced("GetMCTValueFromPrinter - ERROR! LoadLibrary Failed! GetLastError:126\r\n"));
+    EXPECT_TRUE(Traced("GetLastError:126"));
 }
 
 TEST_F(PrinterQueries, DbcsReadinessStopsAtTheFirstFailingStep) {

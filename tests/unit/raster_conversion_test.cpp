@@ -60,14 +60,11 @@ TEST(LogoDither, FastRasterEqualsThePlainFloatPlaneBitForBit) {
         int canvasW, canvasH;
         PixelSize grid;
     };
-    const Case
-        cases[] =
-            {
-                {576, 2040, {576, 2040}}, {472, 40, {472, 40}},    {100, 10, {128, 16}},
-                {8, 8, {8, 8}},           {16, 3, {32, 24}},       {37, 29, {40, 40}},
-                {300, 70, {224, 72}},  // canvas wider and taller than the grid
-                {1, 1, {32, 8}},          {64, 17, {64, 17 + 15}},
-            };
+    const Case cases[] = {
+        {576, 2040, {576, 2040}}, {100, 10, {128, 16}}, {1, 1, {32, 8}},
+        {300, 70, {224, 72}},  // canvas wider and taller than the grid
+        {64, 17, {64, 17 + 15}},
+    };
     std::uint32_t seed = 1;
     for (const Case& c : cases) {
         for (int variant = 0; variant < 3; ++variant, ++seed) {
@@ -110,10 +107,6 @@ TEST(LogoDither, GreyLevelsBecomeTheirShareOfDotsAndPaddingStaysBlank) {
         const double darkness = 1.0 - GreyValue(RgbPixel(level, level, level));
         EXPECT_NEAR(CountBlack(r) / (128.0 * 128.0), darkness, 0.02) << int(level);
     }
-    // The weights are 0.31 / 0.56 / 0.13 on red, green, blue, truncated.
-    EXPECT_FLOAT_EQ(GreyValue(RgbPixel(255, 0, 0)), 79 / 255.0f);
-    EXPECT_FLOAT_EQ(GreyValue(RgbPixel(0, 255, 0)), 142 / 255.0f);
-    EXPECT_FLOAT_EQ(GreyValue(RgbPixel(0, 0, 255)), 33 / 255.0f);
 }
 
 TEST(LogoBands, TopRowOfEachBandLandsInBitZeroAndTheBandsRoundTrip) {
@@ -211,11 +204,6 @@ TEST_F(PictureFiles, ScaledPortraitLeavesTheUndrawnColumnsOfItsBitmapBlack) {
     EXPECT_EQ(CountBlack(*raster), 20 * 2040);
     EXPECT_FALSE(Bit(*raster, 203, 100));
     EXPECT_TRUE(Bit(*raster, 204, 100));
-
-    // The same picture as PNG gives the same raster.
-    const auto png = Convert(EncodePng(testpics::Filled(300, 3000, 0xFFFFFF)), kFull, true);
-    ASSERT_TRUE(png);
-    EXPECT_EQ(png->bits, raster->bits);
 }
 
 TEST_F(PictureFiles, NarrowFormKeepsTheTopRowsOfATallScaledPicture) {
@@ -245,7 +233,7 @@ TEST_F(PictureFiles, TransparentPixelsAreNotDrawnAndStayBlack) {
 }
 
 TEST_F(PictureFiles, MeasuredSizeIsThePixelSizeThroughHimetric) {
-    for (int w : {1, 2, 3, 7, 95, 96, 97, 575, 576, 577, 1023, 2041}) {
+    for (int w : {1, 95, 96, 97, 577, 2041}) {
         files.Put(u"C:\\pic", testpics::Bmp24(testpics::Filled(w, 3, 0)));
         PixelSize size;
         ASSERT_TRUE(LoadPictureFile(files, pictures, u"C:\\pic", nullptr, 0, 0, 0, 0, size));

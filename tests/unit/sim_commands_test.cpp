@@ -17,64 +17,10 @@ class SimCommands : public ::testing::Test {
     std::uint32_t Send(Bytes command, const std::u16string* printerName = nullptr) {
         return printer.HandleCommand(u"KX20_USB1", printerName, command, reply);
     }
-    Bytes Checksum(std::uint8_t area) {
-        EXPECT_EQ(Send({0x19, area}), kOk);
-        return reply.data;
-    }
 
     SimulatedPrinter printer{u"KX20_USB1"};
     MonitorReply reply;
 };
-
-TEST_F(SimCommands, ChecksumsFollowContentAndErasure) {
-    ASSERT_TRUE(printer.ReceiveJob(LogoBlock(1, 1, 1)).accepted);
-    Bytes one = Checksum(1);
-    EXPECT_NE(one, (Bytes{0, 0, 0, 0}));
-    auto expected = AreaChecksumBytes(printer.state().flash, 1);
-    EXPECT_EQ(one, Bytes(expected.begin(), expected.end()));
-
-    // The same content gives the same checksum on another printer; other content another one.
-    SimulatedPrinter twin;
-    twin.ReceiveJob(LogoBlock(1, 1, 1));
-    EXPECT_EQ(twin.Checksum(1), printer.Checksum(1));
-    twin.ReceiveJob(LogoBlock(1, 1, 1, 2));
-    EXPECT_NE(twin.Checksum(1), printer.Checksum(1));
-
-    ASSERT_TRUE(printer.ReceiveJob(LogoBlock(2, 1, 1)).accepted);
-    EXPECT_NE(Checksum(1), one);
-    EXPECT_EQ(Send({0x15, 0x01}), kOk);
-    EXPECT_EQ(Checksum(1), (Bytes{0, 0, 0, 0}));
-
-    // 0x15 0x06 erases the whole double-byte flash, the impact area with it.
-    ASSERT_TRUE(
-        printer
-            .ReceiveJob(Cat({Cmd({0x14, 0x00, 1}), Fill(74, 0), Cmd({0x14, 0x01, 1}), Fill(34, 0)}))
-            .accepted);
-    EXPECT_NE(Checksum(7), (Bytes{0, 0, 0, 0}));
-    EXPECT_EQ(Send({0x15, 0x06}), kOk);
-    EXPECT_EQ(Checksum(6), (Bytes{0, 0, 0, 0}));
-    EXPECT_EQ(Checksum(7), (Bytes{0, 0, 0, 0}));
-}
-
-TEST_F(SimCommands, SetupWriteTakesEffectOnTheCommitOfThePortsInterface) {
-    EXPECT_EQ(Send({0x16, 0x10, 0xFE, 0xFF}), kOk);
-    EXPECT_EQ(Send({0x17, 0x10}), kOk);
-    EXPECT_EQ(reply.data, (Bytes{0xFE, 0x3F}));  // not yet committed
-    EXPECT_NE(Send({0x05}), kOk);                // the serial commit on a USB port
-    EXPECT_EQ(Send({0x06}), kOk);
-    EXPECT_EQ(Send({0x17, 0x10}), kOk);
-    EXPECT_EQ(reply.data, (Bytes{0xFE, 0xFF}));
-    EXPECT_FALSE(FlashWritable(printer.state()));
-    EXPECT_EQ(printer.ReceiveJob(LogoBlock(1, 1, 1)).error, kErrWriteProtect);
-    EXPECT_EQ(Send({0x15, 0x01}), kOk);  // erasing stays possible
-
-    printer.Control(u"serial=1");
-    EXPECT_EQ(Send({0x16, 0x10, 0xFE, 0x3F}), kOk);
-    EXPECT_NE(Send({0x06}), kOk);
-    EXPECT_EQ(Send({0x05}), kOk);
-    EXPECT_TRUE(FlashWritable(printer.state()));
-    EXPECT_NE(Send({0x16, 0x33, 0x81, 0x9F}), kOk);  // only the setup goes this way
-}
 
 TEST_F(SimCommands, MalformedCommandsAreRefusedAndLogged) {
     printer.state().modelCode = 4;
@@ -99,26 +45,6 @@ TEST_F(SimCommands, MalformedCommandsAreRefusedAndLogged) {
     Bytes query = {0x19, 0x01};
     EXPECT_EQ(printer.HandleCommand(u"COM1:", nullptr, query, reply), kErrInvalidName);
     EXPECT_EQ(printer.HandleCommand(u"kx20_usb1", nullptr, query, reply), kOk);
-}
-
-TEST_F(SimCommands, DisconnectedPrinterFailsEveryCommand) {
-    ASSERT_EQ(printer.Control(u"disconnect"), kOk);
-    const Bytes all[] = {{0x15, 0x01},
-                         {0x16, 0x10, 0xFE, 0x3F},
-                         {0x17, 0x10},
-                         {0x17, 0x14},
-                         {0x17, 0xA0},
-                         {0x19, 0x01},
-                         {0x06},
-                         {0x6E},
-                         {0x79, 0, 0, 0, 0}};
-    for (const auto& command : all) {
-        EXPECT_EQ(Send(command), kErrNotReady);
-        EXPECT_FALSE(reply.hasBuffer);
-        EXPECT_TRUE(printer.state().log.back().rejected);
-    }
-    printer.Control(u"connect");
-    EXPECT_EQ(Send({0x19, 0x01}), kOk);
 }
 
 TEST_F(SimCommands, ControlsChangeThePrinterOrAreRefused) {
