@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "platform/format.h"
+#include "platform/record_file.h"
 #include "platform/text.h"
 
 namespace kx20::sim {
@@ -11,77 +12,8 @@ namespace kx20::sim {
 namespace {
 
 constexpr std::string_view kMagic = "KX20SIMS";
-constexpr std::size_t kHeaderSize = 8 + 4 + 4 + 4;
 
-void AppendBlob(Bytes& out, ByteSpan b) {
-    AppendU32(out, static_cast<std::uint32_t>(b.size()));
-    AppendBytes(out, b);
-}
-
-void AppendText(Bytes& out, std::u16string_view t) {
-    AppendU32(out, static_cast<std::uint32_t>(t.size()));
-    for (char16_t u : t) AppendU16(out, u);
-}
-
-// Reads fields in order; the first read that does not fit marks the whole read failed and
-// every later read answers zero or empty.
-class Reader {
-  public:
-    explicit Reader(ByteSpan d) : d_(d) {}
-    bool ok() const { return ok_; }
-    bool AtEnd() const { return pos_ == d_.size(); }
-
-    std::uint8_t U8() { return Fits(1) ? d_[pos_++] : 0; }
-    std::uint16_t U16() {
-        if (!Fits(2))
-            return 0;
-        pos_ += 2;
-        return ReadU16(d_, pos_ - 2);
-    }
-    std::uint32_t U32() {
-        if (!Fits(4))
-            return 0;
-        pos_ += 4;
-        return ReadU32(d_, pos_ - 4);
-    }
-    Bytes Blob() {
-        std::uint32_t n = U32();
-        if (!Fits(n))
-            return {};
-        Bytes b(d_.begin() + static_cast<std::ptrdiff_t>(pos_),
-                d_.begin() + static_cast<std::ptrdiff_t>(pos_ + n));
-        pos_ += n;
-        return b;
-    }
-    std::u16string Text() {
-        std::uint32_t n = U32();
-        std::u16string t;
-        if (n > (d_.size() - pos_) / 2) {
-            Bad();
-            return t;
-        }
-        for (std::uint32_t i = 0; i < n; ++i) t.push_back(U16());
-        return t;
-    }
-    bool Bool() {
-        std::uint8_t v = U8();
-        if (v > 1)
-            Bad();
-        return v == 1;
-    }
-    void Bad() { ok_ = false; }
-
-  private:
-    bool Fits(std::size_t n) {
-        if (ok_ && FitsIn(d_.size(), pos_, n))
-            return true;
-        ok_ = false;
-        return false;
-    }
-    ByteSpan d_;
-    std::size_t pos_ = 0;
-    bool ok_ = true;
-};
+using Reader = FieldReader;
 
 void WriteSbcs(Bytes& out, const std::map<std::uint8_t, SbcsGlyph>& chars) {
     AppendU32(out, static_cast<std::uint32_t>(chars.size()));
@@ -249,38 +181,16 @@ bool ReadPayload(Reader& r, PrinterState& s) {
 }  // namespace
 
 Bytes SerializeState(const PrinterState& state) {
-    Bytes payload = Payload(state);
-    Bytes out(kMagic.begin(), kMagic.end());
-    AppendU32(out, kStateFormatVersion);
-    AppendU32(out, static_cast<std::uint32_t>(payload.size()));
-    AppendU32(out, Crc32(payload));
-    AppendBytes(out, payload);
-    return out;
+    return FrameRecord(kMagic, kStateFormatVersion, Payload(state));
 }
 
 bool DeserializeState(ByteSpan data, PrinterState& out, std::u16string& problem) {
-    if (data.size() < kHeaderSize || !std::equal(kMagic.begin(), kMagic.end(), data.begin())) {
-        problem = u"not a printer state file";
+    const auto payload = UnframeRecord(data, kMagic, kStateFormatVersion,
+                                       u"printer state file", problem);
+    if (!payload)
         return false;
-    }
-    std::uint32_t version = ReadU32(data, 8);
-    if (version != kStateFormatVersion) {
-        problem = Format(u"format version %u, expected %u", version, kStateFormatVersion);
-        return false;
-    }
-    std::uint32_t length = ReadU32(data, 12);
-    if (length != data.size() - kHeaderSize) {
-        problem =
-            Format(u"payload of %u bytes announced, %u present", length, data.size() - kHeaderSize);
-        return false;
-    }
-    ByteSpan payload = data.subspan(kHeaderSize);
-    if (Crc32(payload) != ReadU32(data, 16)) {
-        problem = u"payload checksum does not match";
-        return false;
-    }
     PrinterState s;
-    Reader r(payload);
+    Reader r(*payload);
     if (!ReadPayload(r, s)) {
         problem = u"payload fields do not fit";
         return false;
@@ -309,17 +219,7 @@ PrinterState LoadState(FileSystem& files, std::u16string_view path, std::u16stri
 }
 
 bool SaveState(FileSystem& files, std::u16string_view path, const PrinterState& state) {
-    std::u16string next = std::u16string(path) + u".new";
-    {
-        auto file = files.Open(next, OpenMode::CreateAlways, ShareMode::None);
-        if (!file)
-            return false;
-        Bytes data = SerializeState(state);
-        if (!file->Write(data) || !file->Flush())
-            return false;
-    }
-    files.Remove(path);
-    return files.Rename(next, path);
+    return ReplaceFile(files, path, SerializeState(state));
 }
 
 }  // namespace kx20::sim

@@ -155,23 +155,6 @@ std::u16string IdentityText(const PrinterState& s) {
         std::string_view(reinterpret_cast<const char*>(s.identity.data()), s.identity.size()));
 }
 
-std::uint32_t Crc32(ByteSpan data, std::uint32_t crc) {
-    // A byte at a time through a table: the printer republishes every area's checksum after
-    // each command and job, and the fault sweeps send thousands of them.
-    static const auto table = [] {
-        std::array<std::uint32_t, 256> t{};
-        for (std::uint32_t i = 0; i < 256; ++i) {
-            std::uint32_t c = i;
-            for (int k = 0; k < 8; ++k) c = (c >> 1) ^ (0xEDB88320u & (0u - (c & 1u)));
-            t[i] = c;
-        }
-        return t;
-    }();
-    crc = ~crc;
-    for (std::uint8_t b : data) crc = (crc >> 8) ^ table[(crc ^ b) & 0xFFu];
-    return ~crc;
-}
-
 void AddLog(PrinterState& s, LogKind kind, bool rejected, std::u16string text) {
     if (rejected)
         ++s.rejections;

@@ -150,9 +150,6 @@ void EraseArea(Flash& flash, std::uint8_t area);
 bool FlashWritable(const PrinterState& state);
 std::u16string IdentityText(const PrinterState& state);
 
-// CRC-32 (IEEE 802.3, reflected, as zip uses it).
-std::uint32_t Crc32(ByteSpan data, std::uint32_t crc = 0);
-
 // Appends a log record (dropping the oldest past the capacity); a rejected record also counts
 // in `rejections`.
 void AddLog(PrinterState& state, LogKind kind, bool rejected, std::u16string text);

@@ -81,6 +81,9 @@ std::u16string ReadUtf16Field(ByteSpan b, std::size_t off, std::size_t maxUnits)
 void WriteUtf16Field(MutableByteSpan b, std::size_t off, std::size_t maxUnits,
                      std::u16string_view text);
 
+// CRC-32 (IEEE 802.3, reflected, as zip uses it).
+std::uint32_t Crc32(ByteSpan data, std::uint32_t crc = 0);
+
 // Appends the units of `text` and a terminating zero unit.
 void AppendUtf16z(Bytes& out, std::u16string_view text);
 

@@ -307,7 +307,7 @@ TEST_F(PictureFiles, EveryDecoderGivesTheFilesPixelsAndOversizedHeadersAreRefuse
     Bytes png = EncodePng(photo);
     std::fill(png.begin() + 16, png.begin() + 24, 0);
     png[18] = 4800 >> 8, png[19] = 4800 & 255, png[22] = 4000 >> 8, png[23] = 4000 & 255;
-    const std::uint32_t crc = sim::Crc32(ByteSpan(png).subspan(12, 17));
+    const std::uint32_t crc = Crc32(ByteSpan(png).subspan(12, 17));
     for (int k = 0; k < 4; ++k) png[29 + k] = static_cast<std::uint8_t>(crc >> (24 - 8 * k));
     Bytes jpegFile = EncodeJpeg(smooth, 95);
     std::size_t sof = 2;  // the frame header: length, precision, height, width

@@ -12,6 +12,7 @@
 #include "fonts/font_blocks.h"
 #include "logos/logo_payloads.h"
 #include "platform/memory/native_pictures.h"
+#include "platform/memory/registry_file.h"
 #include "sim/sim_persist.h"
 #include "sim/sim_printer.h"
 #include "store/catalogue.h"
@@ -113,6 +114,14 @@ void Jobs() {
     printer.ReceiveJob(logo);
     printer.ReceiveJob(logos::BuildMessagePayload(2, u"Welcome"));
     Seed("fuzz_sim_state", "logo-and-message", {}, sim::SerializeState(printer.state()));
+
+    // A till's catalogue: the port key's branch with what the printer above now holds.
+    MemoryRegistry registry;
+    printer.AttachRegistry(&registry);
+    const std::u16string port = store::PortKeyPath(u"KX20_USB1");
+    registry.CreateKey(Hive::LocalMachine, port + u"\\Messages")
+        ->SetValue(u"2_KX20SIM1", kRegBinary, store::BuildMessageRecord(2, u"Welcome", u"KX20SIM1"));
+    Seed("fuzz_registry_branch", "port", {}, SerializeBranch(registry, Hive::LocalMachine, port));
 }
 
 }  // namespace
