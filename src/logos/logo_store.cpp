@@ -1,6 +1,7 @@
 #include "logos/logo_store.h"
 
 #include <new>
+#include <optional>
 
 #include "channel/job_channel.h"
 #include "channel/printer_queries.h"
@@ -63,6 +64,29 @@ std::uint32_t QueryMessagesCrc(const StoreTarget& t, bool* answered) {
     return ChecksumNumber(crc);
 }
 
+namespace {
+
+// Readings of an area's checksum after a download: the first two that agree are taken. A
+// damaged answer stored as the area's checksum would make the next reconciliation erase the
+// whole area, with every logo or message stored before; one confirming reading prevents that.
+constexpr int kChecksumReadings = 4;
+
+std::uint32_t ConfirmedChecksum(const StoreTarget& t,
+                                std::uint32_t (*query)(const StoreTarget&, bool*)) {
+    std::optional<std::uint32_t> previous;
+    for (int i = 0; i < kChecksumReadings; ++i) {
+        bool answered = false;
+        const std::uint32_t crc = query(t, &answered);
+        if (answered && previous == crc)
+            return crc;
+        previous = answered ? std::optional(crc) : std::nullopt;
+    }
+    DrvTrace(u"ConfirmedChecksum - no two readings agree, none stored\n");
+    return 0;
+}
+
+}  // namespace
+
 bool EraseLogos(const StoreTarget& t) {
     return channel::OutEraseFlashArea(t.platform, t.printerName, channel::kAreaLogos);
 }
@@ -94,7 +118,7 @@ bool ConvertAndDownloadLogo(const StoreTarget& t, std::uint8_t number, bool full
     }
     if (!DownloadLogo(t, number, raster->width, raster->height, raster->bits))
         return false;
-    StoreLogoCrc(t, QueryLogosCrc(t));
+    StoreLogoCrc(t, ConfirmedChecksum(t, QueryLogosCrc));
     return true;
 }
 
@@ -102,7 +126,7 @@ bool DownloadMessageAndStoreCrc(const StoreTarget& t, std::uint8_t number,
                                 std::u16string_view text) {
     if (!DownloadMessage(t, number, text))
         return false;
-    StoreMessageCrc(t, QueryMessagesCrc(t));
+    StoreMessageCrc(t, ConfirmedChecksum(t, QueryMessagesCrc));
     return true;
 }
 
