@@ -6,8 +6,9 @@
 #                        inputs (tests/fuzz/regressions/<target>/), then explores from them with a
 #                        fixed seed and a fixed number of runs (-seed=1 -runs=N), in a scratch
 #                        corpus emptied first.
-#   fuzz.sh --long [MINUTES]
-#                        exploration: each target for MINUTES (default 30) with a corpus that
+#   fuzz.sh --long [MINUTES [TARGET...]]
+#                        exploration: each target (or the ones named) for MINUTES (default 30)
+#                        with a corpus that
 #                        grows from run to run in build/fuzz/corpus/<target>/; prints runs and new
 #                        coverage per target. A fault is minimised and added to the regressions.
 set -euo pipefail
@@ -15,11 +16,13 @@ shopt -s nullglob
 root=$(cd "$(dirname "$0")/.." && pwd)
 mode=step
 minutes=30
+only=()
 if [ "${1:-}" = "--long" ]; then
   mode=long
   minutes="${2:-30}"
+  only=("${@:3}")
 elif [ $# -gt 0 ]; then
-  echo "usage: fuzz.sh [--long [MINUTES]]" >&2; exit 2
+  echo "usage: fuzz.sh [--long [MINUTES [TARGET...]]]" >&2; exit 2
 fi
 dir=$("$root/scripts/build.sh" fuzz)
 # Undefined behaviour found by a target is a fault like any other.
@@ -43,6 +46,7 @@ stat_of() { grep -o "^stat::$2: *[0-9]*" "$1" | tail -1 | grep -o '[0-9]*$' || e
 for target in "$dir"/fuzz_*; do
   [ -x "$target" ] || continue
   name=$(basename "$target")
+  if [ ${#only[@]} -gt 0 ] && [[ ! " ${only[*]} " == *" $name "* ]]; then continue; fi
   seeds="$root/tests/fuzz/seeds/$name"
   regressions="$root/tests/fuzz/regressions/$name"
   mkdir -p "$regressions"
