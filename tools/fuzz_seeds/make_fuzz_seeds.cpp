@@ -121,7 +121,9 @@ void Jobs() {
     const std::u16string port = store::PortKeyPath(u"KX20_USB1");
     registry.CreateKey(Hive::LocalMachine, port + u"\\Messages")
         ->SetValue(u"2_KX20SIM1", kRegBinary, store::BuildMessageRecord(2, u"Welcome", u"KX20SIM1"));
-    Seed("fuzz_registry_branch", "port", {}, SerializeBranch(registry, Hive::LocalMachine, port));
+    // The target frames its input itself: the seed is the payload.
+    const Bytes branch = SerializeBranch(registry, Hive::LocalMachine, port);
+    Seed("fuzz_registry_branch", "port", {}, Bytes(branch.begin() + 20, branch.end()));
 }
 
 }  // namespace
