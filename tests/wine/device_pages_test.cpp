@@ -9,6 +9,7 @@
 #include <commctrl.h>
 #include <commdlg.h>
 #include <prsht.h>
+#include <shlobj.h>
 
 #include <gtest/gtest.h>
 
@@ -18,6 +19,7 @@
 #include "ids_device_pages.h"
 #include "pages/win32/page_procs.h"
 #include "platform/bytes.h"
+#include "platform/win32/win32_text.h"
 #include "store/catalogue.h"
 #include "store/registry_layout.h"
 #include "tests/unit/font_file_generators.h"
@@ -123,6 +125,18 @@ class DeviceSheet : public SimulatedPrinterPagesTest {
                                     {OpenPath(picturePath_)});
         Click(page, IDC_LOGO_ADD);
         EXPECT_TRUE(driver.Finished()) << "the file dialog was not answered";
+    }
+    // Presses `control` answering its question No, then Yes; No leaves the printer alone.
+    void AnswerNoThenYes(HWND page, int control) {
+        const std::wstring before = sim_.Describe();
+        const int seen = boxes_.seen;
+        boxes_.answer = IDNO;
+        Click(page, control);
+        EXPECT_EQ(boxes_.seen, seen + 1) << control << " asked nothing";
+        EXPECT_EQ(sim_.Describe(), before) << control << ": No changed the printer";
+        boxes_.answer = IDYES;
+        Click(page, control);
+        EXPECT_GE(boxes_.seen, seen + 2);
     }
 
     std::wstring picturePath_;
@@ -357,6 +371,96 @@ TEST_F(DeviceSheet, FontsMaintenanceAndLogPagesWorkThroughTheirControls) {
     EXPECT_EQ(Text(logs, IDC_LOG_WRAP_SIZE), L"10240");
     EXPECT_TRUE(store::GetLogWrapSize(win32_.ports, kPrinter, value));
     EXPECT_EQ(value, 10240u);
+}
+
+TEST_F(DeviceSheet, TabAndShiftTabVisitEveryEnabledControlOnceInReadingOrder) {
+    ASSERT_TRUE(store::SetLogSettings(win32_.ports, kPrinter, 0x11));
+    Open();
+    Select(Page(kLogosPage), IDC_LOGO_LIST, 0);
+    for (int i = kLogosPage; i <= kLogSettingsPage; ++i) {
+        HWND page = Show(i);
+        if (i == kMessagesPage)
+            Select(page, IDC_MESSAGE_LIST, 0);
+        ExpectTabOrder(page);
+    }
+}
+
+// A double-byte font loaded through the Load button's file dialog reaches the flash and the
+// page; Maintenance and Clear All ask first, and only Yes reaches the printer.
+TEST_F(DeviceSheet, FontLoadedThroughTheDialogAndMaintenanceAndClearAllAskFirst) {
+    testfiles::FonFile font;
+    font.Dbcs(0x81, 0x40).Dbcs(0x81, 0x41).Dbcs(0x82, 0x40).Sbcs(0x41);
+    const std::wstring fontPath = TempFile(L"kx20-page-font.fon", font.Build());
+    Open();
+    AddLogo(Page(kLogosPage), 0);
+    HWND fonts = Show(kFontsPage);
+    winhost::ModalDriver dialog([this] { return winhost::FindThreadDialog(String(2168)); },
+                                {OpenPath(fontPath)});
+    Click(fonts, IDC_DBCS_THERMAL_LOAD);
+    EXPECT_TRUE(dialog.Finished());
+    DeleteFileW(fontPath.c_str());
+    EXPECT_EQ(boxes_.seen, 0) << Narrow(boxes_.text);
+    EXPECT_TRUE(PrinterHas(": 3 double-byte thermal characters") &&
+                PrinterHas(": 3 double-byte impact characters"))
+        << Narrow(sim_.Describe());
+    EXPECT_EQ(Text(fonts, IDC_DBCS_THERMAL_NAME), L"kx20-page-font.fon");
+    EXPECT_EQ(Text(fonts, IDC_DBCS_IMPACT_NAME), L"kx20-page-font.fon");
+
+    HWND maintenance = Show(kMaintenancePage);
+    AnswerNoThenYes(maintenance, IDC_MAINTENANCE);
+    EXPECT_TRUE(PrinterHas(", 1 maintenance,")) << Narrow(sim_.Describe());
+    AnswerNoThenYes(maintenance, IDC_CLEAR_ALL);
+    EXPECT_TRUE(PrinterHas(": 0 logos") && PrinterHas(": 0 double-byte thermal characters") &&
+                PrinterHas(": 0 double-byte impact characters"))
+        << Narrow(sim_.Describe());
+    EXPECT_EQ(store::ReadLogoRecords(win32_.ports, kPrinter, ctx_.port.identity).size(), 0u);
+    EXPECT_EQ(Text(fonts, IDC_DBCS_THERMAL_NAME), L"") << "the fonts page was not refreshed";
+    EXPECT_FALSE(Used(Page(kLogosPage), IDC_LOGO_LIST, 0)) << "the logos page was not refreshed";
+}
+
+TEST_F(DeviceSheet, LogFolderChosenInTheFolderBrowserIsShownAndStored) {
+    wchar_t temp[MAX_PATH] = {};
+    GetTempPathW(MAX_PATH, temp);
+    const std::wstring start = std::wstring(temp) + L"kx20-logs-before";
+    const std::wstring chosen = std::wstring(temp) + L"kx20-logs-chosen";
+    CreateDirectoryW(start.c_str(), nullptr);
+    CreateDirectoryW(chosen.c_str(), nullptr);
+    ASSERT_TRUE(store::SetLogSettings(win32_.ports, kPrinter, 0x10));
+    ASSERT_TRUE(store::SetLogPath(win32_.ports, kPrinter, FromWide(start)));
+    Open();
+    HWND logs = Show(kLogSettingsPage);
+    EXPECT_EQ(Text(logs, IDC_LOG_FOLDER), start);
+    std::wstring preselected;
+    boxes_.active = false;  // the browser has an OK button too
+    winhost::ModalDriver browser(
+        [] { return winhost::FindThreadDialogWith(WC_TREEVIEWW); },
+        {[&](HWND dialog) {
+             HWND tree = FindWindowExW(dialog, nullptr, WC_TREEVIEWW, nullptr);
+             wchar_t text[MAX_PATH] = {};
+             TVITEMW item = {};
+             item.mask = TVIF_TEXT;
+             item.hItem = TreeView_GetSelection(tree);
+             item.pszText = text;
+             item.cchTextMax = MAX_PATH;
+             TreeView_GetItem(tree, &item);
+             preselected = text;
+             SendMessageW(dialog, BFFM_SETSELECTIONW, TRUE,
+                          reinterpret_cast<LPARAM>(chosen.c_str()));
+             return true;
+         },
+         [](HWND dialog) {
+             PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+             return true;
+         }});
+    Click(logs, IDC_LOG_BROWSE);
+    EXPECT_TRUE(browser.Finished());
+    EXPECT_EQ(preselected, L"kx20-logs-before") << "the browser did not start at the folder";
+    EXPECT_EQ(Text(logs, IDC_LOG_FOLDER), chosen);
+    std::u16string stored;
+    EXPECT_TRUE(store::GetLogPath(win32_.ports, kPrinter, stored));
+    EXPECT_EQ(ToWide(stored), chosen);
+    RemoveDirectoryW(start.c_str());
+    RemoveDirectoryW(chosen.c_str());
 }
 
 }  // namespace
