@@ -21,7 +21,8 @@ namespace kx20::logs {
 
 inline constexpr std::size_t kWrapSizeChars = 5;  // the edit's limit
 inline constexpr std::uint32_t kBrowseTitleId = 2207;
-inline constexpr std::uint32_t kBrowseFlags = 6;  // file-system folders only, with edit box
+// BIF_DONTGOBELOWDOMAIN | BIF_STATUSTEXT: the browser shows its tree and status line, no edit box.
+inline constexpr std::uint32_t kBrowseFlags = 6;
 
 // Asks the user for a folder, starting at `start`; nothing when the user cancels.
 using FolderPicker = std::function<std::optional<std::u16string>(std::u16string_view title,

@@ -18,6 +18,7 @@
 #include "ids_device_pages.h"
 #include "pages/win32/page_procs.h"
 #include "platform/bytes.h"
+#include "platform/win32/win32_text.h"
 #include "store/catalogue.h"
 #include "store/registry_layout.h"
 #include "tests/unit/font_file_generators.h"
@@ -123,6 +124,18 @@ class DeviceSheet : public SimulatedPrinterPagesTest {
                                     {OpenPath(picturePath_)});
         Click(page, IDC_LOGO_ADD);
         EXPECT_TRUE(driver.Finished()) << "the file dialog was not answered";
+    }
+    // Presses `control` answering its question No, then Yes; No leaves the printer alone.
+    void AnswerNoThenYes(HWND page, int control) {
+        const std::wstring before = sim_.Describe();
+        const int seen = boxes_.seen;
+        boxes_.answer = IDNO;
+        Click(page, control);
+        EXPECT_EQ(boxes_.seen, seen + 1) << control << " asked nothing";
+        EXPECT_EQ(sim_.Describe(), before) << control << ": No changed the printer";
+        boxes_.answer = IDYES;
+        Click(page, control);
+        EXPECT_GE(boxes_.seen, seen + 2);
     }
 
     std::wstring picturePath_;
@@ -357,6 +370,104 @@ TEST_F(DeviceSheet, FontsMaintenanceAndLogPagesWorkThroughTheirControls) {
     EXPECT_EQ(Text(logs, IDC_LOG_WRAP_SIZE), L"10240");
     EXPECT_TRUE(store::GetLogWrapSize(win32_.ports, kPrinter, value));
     EXPECT_EQ(value, 10240u);
+}
+
+TEST_F(DeviceSheet, TabAndShiftTabVisitEveryEnabledControlOnceInReadingOrder) {
+    ASSERT_TRUE(store::SetLogSettings(win32_.ports, kPrinter, 0x11));
+    Open();
+    Select(Page(kLogosPage), IDC_LOGO_LIST, 0);
+    for (int i = kLogosPage; i <= kLogSettingsPage; ++i) {
+        HWND page = Show(i);
+        if (i == kMessagesPage)
+            Select(page, IDC_MESSAGE_LIST, 0);
+        ExpectTabOrder(page);
+    }
+}
+
+// A double-byte font loaded through the Load button's file dialog reaches the flash and the
+// page; Maintenance and Clear All ask first, and only Yes reaches the printer.
+TEST_F(DeviceSheet, FontLoadedThroughTheDialogAndMaintenanceAndClearAllAskFirst) {
+    testfiles::FonFile font;
+    font.Dbcs(0x81, 0x40).Dbcs(0x81, 0x41).Dbcs(0x82, 0x40).Sbcs(0x41);
+    const std::wstring fontPath = TempFile(L"kx20-page-font.fon", font.Build());
+    Open();
+    AddLogo(Page(kLogosPage), 0);
+    HWND fonts = Show(kFontsPage);
+    winhost::ModalDriver dialog([this] { return winhost::FindThreadDialog(String(2168)); },
+                                {OpenPath(fontPath)});
+    Click(fonts, IDC_DBCS_THERMAL_LOAD);
+    EXPECT_TRUE(dialog.Finished());
+    DeleteFileW(fontPath.c_str());
+    EXPECT_EQ(boxes_.seen, 0) << Narrow(boxes_.text);
+    EXPECT_TRUE(PrinterHas(": 3 double-byte thermal characters") &&
+                PrinterHas(": 3 double-byte impact characters"))
+        << Narrow(sim_.Describe());
+    EXPECT_EQ(Text(fonts, IDC_DBCS_THERMAL_NAME), L"kx20-page-font.fon");
+    EXPECT_EQ(Text(fonts, IDC_DBCS_IMPACT_NAME), L"kx20-page-font.fon");
+
+    HWND maintenance = Show(kMaintenancePage);
+    AnswerNoThenYes(maintenance, IDC_MAINTENANCE);
+    EXPECT_TRUE(PrinterHas(", 1 maintenance,")) << Narrow(sim_.Describe());
+    AnswerNoThenYes(maintenance, IDC_CLEAR_ALL);
+    EXPECT_TRUE(PrinterHas(": 0 logos") && PrinterHas(": 0 double-byte thermal characters") &&
+                PrinterHas(": 0 double-byte impact characters"))
+        << Narrow(sim_.Describe());
+    EXPECT_EQ(store::ReadLogoRecords(win32_.ports, kPrinter, ctx_.port.identity).size(), 0u);
+    EXPECT_EQ(Text(fonts, IDC_DBCS_THERMAL_NAME), L"") << "the fonts page was not refreshed";
+    EXPECT_FALSE(Used(Page(kLogosPage), IDC_LOGO_LIST, 0)) << "the logos page was not refreshed";
+}
+
+TEST_F(DeviceSheet, LogFolderChosenInTheFolderBrowserIsShownAndStored) {
+    const std::wstring start = L"C:\\kx20-logs-before";
+    const std::wstring chosen = L"C:\\kx20-logs-chosen";
+    CreateDirectoryW(start.c_str(), nullptr);
+    CreateDirectoryW(chosen.c_str(), nullptr);
+    ASSERT_TRUE(store::SetLogSettings(win32_.ports, kPrinter, 0x10));
+    ASSERT_TRUE(store::SetLogPath(win32_.ports, kPrinter, FromWide(start)));
+    Open();
+    HWND logs = Show(kLogSettingsPage);
+    EXPECT_EQ(Text(logs, IDC_LOG_FOLDER), start);
+    boxes_.active = false;  // the browser has an OK button too
+    // The folder is picked in the browser's tree as a person does, opening My Computer and
+    // drive C: on the way. (Wine's browser fails to select a folder given by its path, as
+    // BFFM_SETSELECTIONW does, now and then on its first use in a process.)
+    bool picked = false;
+    winhost::ModalDriver browser(
+        [] { return winhost::FindThreadDialogWith(WC_TREEVIEWW); },
+        {[&picked](HWND dialog) {
+             HWND tree = FindWindowExW(dialog, nullptr, WC_TREEVIEWW, nullptr);
+             HTREEITEM item = TreeView_GetRoot(tree);
+             for (const wchar_t* name : {L"My Computer", L"(C:)", L"kx20-logs-chosen"}) {
+                 TreeView_Expand(tree, item, TVE_EXPAND);
+                 HTREEITEM child = TreeView_GetChild(tree, item);
+                 for (; child; child = TreeView_GetNextSibling(tree, child)) {
+                     wchar_t text[MAX_PATH] = {};
+                     TVITEMW info = {};
+                     info.mask = TVIF_TEXT;
+                     info.hItem = child;
+                     info.pszText = text;
+                     info.cchTextMax = MAX_PATH;
+                     if (TreeView_GetItem(tree, &info) && wcsstr(text, name))
+                         break;
+                 }
+                 item = child;
+             }
+             picked = item && TreeView_SelectItem(tree, item);
+             return true;
+         },
+         [](HWND dialog) {
+             PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+             return true;
+         }});
+    Click(logs, IDC_LOG_BROWSE);
+    EXPECT_TRUE(browser.Finished());
+    EXPECT_TRUE(picked) << "no such folder in the browser's tree";
+    EXPECT_EQ(Text(logs, IDC_LOG_FOLDER), chosen);
+    std::u16string stored;
+    EXPECT_TRUE(store::GetLogPath(win32_.ports, kPrinter, stored));
+    EXPECT_EQ(ToWide(stored), chosen);
+    RemoveDirectoryW(start.c_str());
+    RemoveDirectoryW(chosen.c_str());
 }
 
 }  // namespace

@@ -192,5 +192,10 @@ TEST_F(DocumentSheet, DocumentStationAndNarrowerPaperOnTheDeviceSettingsPage) {
     EXPECT_EQ(boxes_.seen, 1);
 }
 
+TEST_F(DocumentSheet, TabAndShiftTabVisitEveryEnabledControlOnceInReadingOrder) {
+    Open();
+    for (int i = kDeviceSettingsPage; i <= kSecondStationPage; ++i) ExpectTabOrder(Show(i));
+}
+
 }  // namespace
 }  // namespace kx20::winetest

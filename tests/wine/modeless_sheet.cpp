@@ -1,5 +1,7 @@
 #include "tests/wine/modeless_sheet.h"
 
+#include <algorithm>
+
 #include "platform/win32/win32_text.h"
 #include "store/catalogue.h"
 #include "store/registry_layout.h"
@@ -9,7 +11,98 @@ namespace kx20::winetest {
 
 namespace {
 MessageBoxAnswerer* g_answerer = nullptr;  // the one a thread timer reaches
+
+// The page's own control that holds `focus` (a combo box's edit stands for its combo box);
+// none when the focus is outside the page.
+HWND PageControl(HWND page, HWND focus) {
+    if (!IsChild(page, focus))
+        return nullptr;
+    while (GetParent(focus) != page) focus = GetParent(focus);
+    return focus;
+}
+
+// The controls of `page` the keyboard can reach now: shown and enabled tab stops that are not
+// labels or frames, and of a group of option buttons only the chosen one. In reading order:
+// rows from the top (controls that overlap vertically share a row), each from the left.
+std::vector<HWND> ReadingOrder(HWND page) {
+    std::vector<std::pair<RECT, HWND>> found;
+    for (HWND c = GetWindow(page, GW_CHILD); c; c = GetWindow(c, GW_HWNDNEXT)) {
+        const LRESULT code = SendMessageW(c, WM_GETDLGCODE, 0, 0);
+        const bool otherOption =
+            (code & DLGC_RADIOBUTTON) && SendMessageW(c, BM_GETCHECK, 0, 0) != BST_CHECKED;
+        if ((GetWindowLongW(c, GWL_STYLE) & WS_TABSTOP) && IsWindowVisible(c) &&
+            IsWindowEnabled(c) && !(code & DLGC_STATIC) && !otherOption) {
+            RECT r;
+            GetWindowRect(c, &r);
+            found.push_back({r, c});
+        }
+    }
+    auto left = [](const auto& a, const auto& b) { return a.first.left < b.first.left; };
+    std::stable_sort(found.begin(), found.end(),
+                     [](const auto& a, const auto& b) { return a.first.top < b.first.top; });
+    std::vector<HWND> order;
+    for (auto row = found.begin(); row != found.end();) {
+        auto end = std::find_if(row, found.end(), [&](const auto& c) {
+            return c.first.top >= row->first.bottom;
+        });
+        std::stable_sort(row, end, left);
+        for (auto c = row; c != end; ++c) order.push_back(c->second);
+        row = end;
+    }
+    return order;
+}
+
+std::string Ids(const std::vector<HWND>& controls) {
+    std::string out;
+    for (HWND c : controls) out += std::to_string(GetDlgCtrlID(c)) + " ";
+    return out;
+}
 }  // namespace
+
+void ModelessSheetTest::PressTab(bool back) {
+    std::vector<INPUT> keys;
+    auto key = [&keys](WORD vk, DWORD flags) {
+        INPUT in = {};
+        in.type = INPUT_KEYBOARD;
+        in.ki.wVk = vk;
+        in.ki.dwFlags = flags;
+        keys.push_back(in);
+    };
+    if (back)
+        key(VK_SHIFT, 0);
+    key(VK_TAB, 0);
+    key(VK_TAB, KEYEVENTF_KEYUP);
+    if (back)
+        key(VK_SHIFT, KEYEVENTF_KEYUP);
+    SendInput(static_cast<UINT>(keys.size()), keys.data(), sizeof(INPUT));
+    Pump();
+}
+
+void ModelessSheetTest::ExpectTabOrder(HWND page) {
+    wchar_t title[64] = {};
+    GetWindowTextW(page, title, 64);
+    std::vector<HWND> expected = ReadingOrder(page);
+    ASSERT_FALSE(expected.empty()) << Narrow(title);
+    SetForegroundWindow(sheet_);
+    for (bool back : {false, true}) {
+        if (back)
+            std::reverse(expected.begin(), expected.end());
+        SetFocus(expected.front());
+        Pump();
+        std::vector<HWND> visited = {expected.front()};
+        // Around the sheet: the page's controls, the sheet's buttons and its tabs.
+        for (int press = 0; press < 40; ++press) {
+            PressTab(back);
+            HWND now = PageControl(page, GetFocus());
+            if (now == expected.front())
+                break;
+            if (now)
+                visited.push_back(now);
+        }
+        EXPECT_EQ(Ids(visited), Ids(expected))
+            << (back ? "Shift+Tab" : "Tab") << " on the page " << Narrow(title);
+    }
+}
 
 MessageBoxAnswerer::MessageBoxAnswerer() {
     g_answerer = this;
@@ -59,7 +152,7 @@ void SimulatedPrinterPagesTest::SetUpPrinterAndContext() {
     resources_ = LoadLibraryW((winhost::ProgramFolder() + L"KVORSENU.DLL").c_str());
     ASSERT_NE(resources_, nullptr);
     strings_ = std::make_unique<Win32ResourceStrings>(resources_);
-    ctx_.platform = &win32_.ports;
+    ctx_.platform = &ports_;
     ctx_.prompts = &prompts_;
     ctx_.strings = strings_.get();
     ctx_.pictures = &pictures_;

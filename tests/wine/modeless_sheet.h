@@ -86,6 +86,12 @@ class ModelessSheetTest : public ::testing::Test {
         Pump();
         EXPECT_TRUE(winhost::SaveWindowScreenshot(sheet_, name)) << Narrow(name);
     }
+    // Presses Tab, or Shift+Tab when `back`, on the keyboard, and handles what follows.
+    void PressTab(bool back);
+    // Steps around the sheet with Tab from the page's first control, then with Shift+Tab from
+    // its last, and checks that the focus visits each of the page's enabled controls once, in
+    // reading order as laid out on screen.
+    void ExpectTabOrder(HWND page);
     // Destroys the sheet and handles what its pages left in the queue.
     void CloseSheet() {
         if (sheet_)
@@ -111,7 +117,16 @@ class SimulatedPrinterPagesTest : public ModelessSheetTest {
                    DWORD pageFlags, DWORD sheetFlags);
     std::wstring String(std::uint32_t id);
 
+    // The real clock, except that the waits for the printer's restart are skipped: the
+    // simulated printer is ready at once.
+    struct NoWaitClock : Win32Clock {
+        void Sleep(std::uint32_t) override {}
+    };
+
     Win32Platform win32_;
+    NoWaitClock clock_;
+    // The pages' ports: the Win32 adapters with that clock.
+    Platform ports_{win32_.registry, win32_.spooler, win32_.files, clock_, win32_.monitor};
     Win32Prompts prompts_;
     Win32Pictures pictures_;
     winhost::SimulatedPrinterControl sim_{PortPath()};

@@ -18,7 +18,7 @@ ModalDriver* g_driver = nullptr;
 
 struct Search {
     std::wstring title;
-    bool wantSheet = false;
+    const wchar_t* childClass = nullptr;  // a child of this class is wanted
     HWND found = nullptr;
 };
 
@@ -30,7 +30,7 @@ BOOL CALLBACK Visit(HWND window, LPARAM lParam) {
     GetClassNameW(window, cls, 64);
     if (std::wstring(cls) != L"#32770")
         return TRUE;
-    if (s->wantSheet && !FindWindowExW(window, nullptr, WC_TABCONTROLW, nullptr))
+    if (s->childClass && !FindWindowExW(window, nullptr, s->childClass, nullptr))
         return TRUE;
     if (!s->title.empty()) {
         wchar_t text[256] = {};
@@ -83,15 +83,19 @@ void ModalDriver::Run() {
 }
 
 HWND FindThreadDialog(const std::wstring& title) {
-    Search s{title, false, nullptr};
+    Search s{title, nullptr, nullptr};
+    EnumThreadWindows(GetCurrentThreadId(), Visit, reinterpret_cast<LPARAM>(&s));
+    return s.found;
+}
+
+HWND FindThreadDialogWith(const wchar_t* childClass) {
+    Search s{L"", childClass, nullptr};
     EnumThreadWindows(GetCurrentThreadId(), Visit, reinterpret_cast<LPARAM>(&s));
     return s.found;
 }
 
 HWND FindThreadPropertySheet() {
-    Search s{L"", true, nullptr};
-    EnumThreadWindows(GetCurrentThreadId(), Visit, reinterpret_cast<LPARAM>(&s));
-    return s.found;
+    return FindThreadDialogWith(WC_TABCONTROLW);
 }
 
 std::vector<std::wstring> SheetTabTitles(HWND sheet) {

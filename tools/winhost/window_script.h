@@ -40,6 +40,8 @@ class ModalDriver {
 // The first visible top-level window of this thread whose title is `title` (any title when
 // empty) and whose class is the dialog class.
 HWND FindThreadDialog(const std::wstring& title = L"");
+// The first visible dialog of this thread with a child window of class `childClass`.
+HWND FindThreadDialogWith(const wchar_t* childClass);
 // A property sheet of this thread (a dialog with a tab control).
 HWND FindThreadPropertySheet();
 
